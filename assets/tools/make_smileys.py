@@ -173,13 +173,13 @@ class Face:
         """Eyes shut with joy: upward arcs."""
         for side in (-1, 1):
             x, y = self.at(side * spread, dy + 0.6)
-            self.c.arc(x, y, self.s(1.6), self.s(1.5), 200, 340, INK, self.s(1.05))
+            self.c.arc(x, y, self.s(1.6), self.s(1.5), 200, 340, INK, self.s(1.3))
 
     def shut_eyes(self, dy=-2.0, spread=3.0):
         """Eyes gently shut: downward arcs."""
         for side in (-1, 1):
             x, y = self.at(side * spread, dy - 0.6)
-            self.c.arc(x, y, self.s(1.6), self.s(1.3), 20, 160, INK, self.s(1.0))
+            self.c.arc(x, y, self.s(1.6), self.s(1.3), 20, 160, INK, self.s(1.25))
 
     def white_eyes(self, dy=-2.2, spread=2.8, pupil=(0.0, 0.4), rx=1.9, ry=2.4, pr=1.05):
         for side in (-1, 1):
@@ -193,7 +193,7 @@ class Face:
         x, y = self.at(-2.9, dy)
         self.c.ellipse(x, y, self.s(1.15), self.s(1.75), fill=INK)
         x, y = self.at(3.0, dy + 0.6)
-        self.c.arc(x, y, self.s(1.7), self.s(1.4), 200, 340, INK, self.s(1.05))
+        self.c.arc(x, y, self.s(1.8), self.s(1.5), 195, 345, INK, self.s(1.35))
 
     def brows(self, dy=-5.2, inner_up=0.0, outer_up=0.0, spread=2.9, half=1.6, width=0.9):
         """Eyebrows; raising the inner ends looks worried, lowering them looks angry."""
@@ -294,8 +294,8 @@ def s106(c):  # sleepy, snoring z's
     f = Face(c, cx=8.0, cy=11.0, r=7.9)
     f.shut_eyes(dy=-1.5)
     f.o_mouth(dy=3.6, rx=1.2, ry=1.4)
-    letter_z(c, 13.4, 4.6, 2.4, BLUE, 0.9)
-    letter_z(c, 14.6, 0.6, 3.6, BLUE, 1.1)
+    letter_z(c, 11.0, 2.0, 1.9, BLUE, 0.9)
+    letter_z(c, 14.2, 0.5, 3.6, BLUE, 1.1)
 
 
 def s107(c):  # heart
@@ -827,7 +827,9 @@ def contact_sheet(pictures, path):
     cols = 9
     rows = (len(pictures) + cols - 1) // cols
     width = cols * cell
-    sheet = Image.new("RGB", (width * 2, rows * cell + 40), (255, 255, 255))
+    per_line = (width - 12) // 22
+    lines = (len(pictures) + per_line - 1) // per_line
+    sheet = Image.new("RGB", (width * 2, rows * cell + 12 + lines * 22), (255, 255, 255))
     draw = ImageDraw.Draw(sheet)
     draw.rectangle([(width, 0), (width * 2, sheet.height)], fill=(40, 44, 60))
     for i, (number, picture) in enumerate(pictures):
@@ -838,7 +840,8 @@ def contact_sheet(pictures, path):
             draw.text((x + offset, y + SIZE * zoom), str(number), fill=colour)
     for i, (number, picture) in enumerate(pictures):
         for offset in (0, width):
-            sheet.paste(picture, (offset + 6 + i * 22, rows * cell + 12), picture)
+            x, y = 6 + (i % per_line) * 22, rows * cell + 6 + (i // per_line) * 22
+            sheet.paste(picture, (offset + x, y), picture)
     sheet.save(path)
 
 
