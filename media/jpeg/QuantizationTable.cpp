@@ -1,0 +1,43 @@
+#include "media/jpeg/QuantizationTable.h"
+
+#include <algorithm>
+
+#include "media/jpeg/ForwardDct.h"
+#include "media/jpeg/JpegConstants.h"
+
+namespace tavren::jpeg {
+
+int QuantizationTable::ScaleForQuality(int quality) {
+    quality = std::clamp(quality, 1, 100);
+    return quality >= 50 ? 200 - 2 * quality : 5000 / quality;
+}
+
+QuantizationTable QuantizationTable::FromBase(const std::array<std::uint16_t, 64>& zigzagBase,
+                                              int quality) {
+    const long scale = ScaleForQuality(quality);
+    std::array<std::uint16_t, 64> entries{};
+    for (int k = 0; k < 64; ++k) {
+        const long scaled = zigzagBase[k] * scale + 50;
+        // Rounded, not truncated: a remainder of 50 or more goes up.
+        const long rounded = scaled / 100 + (scaled % 100 >= 50 ? 1 : 0);
+        entries[k] = static_cast<std::uint16_t>(std::clamp(rounded, 1L, 255L));
+    }
+    return QuantizationTable(entries);
+}
+
+std::array<float, 64> QuantizationTable::TransformMultipliers() const {
+    std::array<float, 64> multipliers{};
+    for (int k = 0; k < 64; ++k) {
+        const int natural = kZigzagToNatural[k];
+        const int row = natural / 8;
+        const int column = natural % 8;
+        // The transform's output for (row, column) is the true coefficient divided by both
+        // scale factors, and samples carry kSampleOne steps per unit.
+        const double divisor =
+            entries_[k] * kSampleOne / (kDctScaleFactors[row] * kDctScaleFactors[column]);
+        multipliers[ForwardDct::OutputSlotOfNatural(natural)] = static_cast<float>(1.0 / divisor);
+    }
+    return multipliers;
+}
+
+}  // namespace tavren::jpeg

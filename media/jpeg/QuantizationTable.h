@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+namespace tavren::jpeg {
+
+// One table of 64 quantisation divisors in zig-zag order, scaled from a base table by quality.
+class QuantizationTable {
+  public:
+    QuantizationTable() { entries_.fill(1); }
+    explicit QuantizationTable(const std::array<std::uint16_t, 64>& zigzagEntries)
+        : entries_(zigzagEntries) {}
+
+    // Quality 1..100 to the percentage the base table is scaled by: 5000 / q below 50,
+    // 200 - 2q from 50 on (so 50 keeps the base values and 100 asks for all ones).
+    static int ScaleForQuality(int quality);
+
+    // Each entry is (base * scale + 50) / 100 rounded to nearest, then kept within 1..255 so
+    // that it fits an 8-bit table.
+    static QuantizationTable FromBase(const std::array<std::uint16_t, 64>& zigzagBase, int quality);
+
+    std::uint16_t operator[](int zigzagIndex) const { return entries_[zigzagIndex]; }
+    const std::array<std::uint16_t, 64>& Entries() const { return entries_; }
+
+    // The multipliers the transform output is quantised with, in the order the transform
+    // leaves its output (see ForwardDct), with the transform's scale factors and the samples'
+    // fixed-point scale folded in.
+    std::array<float, 64> TransformMultipliers() const;
+
+  private:
+    std::array<std::uint16_t, 64> entries_;
+};
+
+}  // namespace tavren::jpeg
