@@ -1,0 +1,234 @@
+#include "server/Connection.h"
+
+#include <array>
+#include <asio/co_spawn.hpp>
+#include <asio/experimental/as_tuple.hpp>
+#include <asio/use_awaitable.hpp>
+#include <asio/write.hpp>
+
+#include "core/protocol/Catalogue.h"
+#include "server/Log.h"
+#include "server/Replies.h"
+
+namespace tavren::server {
+
+namespace {
+
+constexpr auto kAwaitResult = asio::experimental::as_tuple(asio::use_awaitable);
+// How long a finishing connection may take to read its last frames before it is cut off.
+constexpr std::chrono::seconds kFinishGrace{2};
+
+}  // namespace
+
+Connection::Connection(asio::ip::tcp::socket socket, ServerContext& context,
+                       AddressLimiter::Slot slot, std::string peerAddress)
+    : socket_(std::move(socket)),
+      context_(context),
+      slot_(std::move(slot)),
+      peerAddress_(std::move(peerAddress)),
+      writeSignal_(socket_.get_executor()),
+      pingTimer_(socket_.get_executor()),
+      deadline_(socket_.get_executor()),
+      paceTimer_(socket_.get_executor()),
+      queue_(context.config.outgoingQueueLimit),
+      cutter_(context.config.maxPayload),
+      rateLimiter_(context.config.framesPerSecond, context.config.floodLimit,
+                   FrameRateLimiter::Clock::now()),
+      handler_(context, *this) {}
+
+void Connection::start() {
+    handler_.setSharedLink(weak_from_this());
+    asio::error_code ignored;
+    socket_.set_option(asio::ip::tcp::no_delay(true), ignored);
+    if (context_.config.socketSendBuffer > 0) {
+        socket_.set_option(asio::socket_base::send_buffer_size(context_.config.socketSendBuffer),
+                           ignored);
+    }
+    Log::info("connection from " + peerAddress_);
+    spawn(readLoop());
+    spawn(writeLoop());
+    spawn(pingLoop());
+    spawn(deadlineLoop());
+}
+
+void Connection::spawn(asio::awaitable<void> loop) {
+    asio::co_spawn(
+        socket_.get_executor(), std::move(loop),
+        [self = shared_from_this()](std::exception_ptr failure) {
+            if (!failure) {
+                return;
+            }
+            try {
+                std::rethrow_exception(failure);
+            } catch (const std::exception& error) {
+                Log::warn("connection " + self->peerAddress_ + " failed: " + error.what());
+            }
+            self->stop("internal error");
+        });
+}
+
+void Connection::stop(std::string_view reason) {
+    if (stopped_) {
+        return;
+    }
+    stopped_ = true;
+    Log::info("closed " + peerAddress_ + ": " + std::string(reason));
+    handler_.disconnected();
+    asio::error_code ignored;
+    socket_.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
+    socket_.close(ignored);
+    writeSignal_.cancel();
+    pingTimer_.cancel();
+    deadline_.cancel();
+    paceTimer_.cancel();
+    slot_.reset();
+}
+
+void Connection::send(protocol::CodePair code, std::string_view payload) {
+    if (stopped_ || finishing_) {
+        return;
+    }
+    if (!queue_.push(protocol::EncodeFrame(code, payload))) {
+        Log::warn(peerAddress_ + " does not read: " + std::to_string(queue_.size()) +
+                  " frames waiting");
+        stop("outgoing queue full");
+        return;
+    }
+    writeSignal_.cancel_one();
+}
+
+void Connection::finish(std::string_view reason) {
+    if (stopped_ || finishing_) {
+        return;
+    }
+    finishing_ = true;
+    Log::info("closing " + peerAddress_ + ": " + std::string(reason));
+    writeSignal_.cancel_one();
+    deadline_.expires_after(kFinishGrace);
+}
+
+asio::awaitable<void> Connection::readLoop() {
+    auto self = shared_from_this();
+    std::array<char, 8192> buffer;
+    while (!stopped_ && !finishing_) {
+        const auto [error, count] =
+            co_await socket_.async_read_some(asio::buffer(buffer), kAwaitResult);
+        if (stopped_) {
+            co_return;
+        }
+        if (error) {
+            stop(error == asio::error::eof ? "closed by the client" : error.message());
+            co_return;
+        }
+        cutter_.Append(std::string_view(buffer.data(), count));
+        for (;;) {
+            protocol::CutResult cut = cutter_.Next();
+            if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+                break;
+            }
+            if (cut.kind == protocol::CutResult::Kind::kError) {
+                // The stream has lost its frame boundary; nothing after this point can be trusted.
+                Log::warn("bad frame from " + peerAddress_ + ": " + cut.errorText);
+                stop("bad frame");
+                co_return;
+            }
+            if (cut.kind != protocol::CutResult::Kind::kFrame) {
+                continue;
+            }
+            if (!co_await pace()) {
+                co_return;
+            }
+            if (cut.frame.code == protocol::client_to_server::kPong) {
+                unansweredPings_ = 0;
+                continue;
+            }
+            co_await handler_.handle(std::move(cut.frame));
+            if (stopped_ || finishing_) {
+                co_return;
+            }
+        }
+    }
+}
+
+asio::awaitable<bool> Connection::pace() {
+    const auto verdict = rateLimiter_.admit(FrameRateLimiter::Clock::now());
+    if (verdict.kind == FrameRateLimiter::Verdict::Kind::kDrop) {
+        Log::warn(peerAddress_ + " is flooding");
+        send(replies::kNotice, "You have been disconnected for sending too fast.");
+        finish("flooding");
+        co_return false;
+    }
+    if (verdict.kind == FrameRateLimiter::Verdict::Kind::kDelay) {
+        paceTimer_.expires_after(verdict.delay);
+        co_await paceTimer_.async_wait(kAwaitResult);
+    }
+    co_return !stopped_;
+}
+
+asio::awaitable<void> Connection::writeLoop() {
+    auto self = shared_from_this();
+    while (!stopped_) {
+        if (queue_.empty()) {
+            if (finishing_) {
+                stop("finished");
+                co_return;
+            }
+            writeSignal_.expires_at(asio::steady_timer::time_point::max());
+            co_await writeSignal_.async_wait(kAwaitResult);
+            continue;
+        }
+        const auto [error, written] =
+            co_await asio::async_write(socket_, asio::buffer(queue_.front()), kAwaitResult);
+        if (stopped_) {
+            co_return;
+        }
+        if (error) {
+            stop(error.message());
+            co_return;
+        }
+        queue_.pop();
+    }
+}
+
+asio::awaitable<void> Connection::pingLoop() {
+    auto self = shared_from_this();
+    while (!stopped_) {
+        pingTimer_.expires_after(context_.config.pingInterval);
+        co_await pingTimer_.async_wait(kAwaitResult);
+        if (stopped_ || finishing_) {
+            co_return;
+        }
+        if (unansweredPings_ >= context_.config.pingMisses) {
+            stop("no answer to " + std::to_string(unansweredPings_) + " pings");
+            co_return;
+        }
+        send(protocol::server_to_client::kPing, replies::kPing);
+        ++unansweredPings_;
+    }
+}
+
+asio::awaitable<void> Connection::deadlineLoop() {
+    auto self = shared_from_this();
+    deadline_.expires_after(context_.config.loginTimeout);
+    while (!stopped_) {
+        const auto [error] = co_await deadline_.async_wait(kAwaitResult);
+        if (stopped_) {
+            co_return;
+        }
+        if (error == asio::error::operation_aborted) {
+            continue;  // re-armed by finish()
+        }
+        if (finishing_) {
+            stop("did not take its last frames");
+            co_return;
+        }
+        if (!handler_.loggedIn()) {
+            send(replies::kNotice, "You did not log in in time. Please connect again.");
+            finish("login time-out");
+            continue;
+        }
+        deadline_.expires_at(asio::steady_timer::time_point::max());
+    }
+}
+
+}  // namespace tavren::server

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <string>
+
+namespace tavren::server {
+
+// Frames waiting to be written to one client, bounded in count and in bytes. When a push does not
+// fit, the client is not reading fast enough and the caller drops it: nobody else ever waits for
+// a slow reader, and its memory stays bounded.
+class OutgoingQueue {
+  public:
+    static constexpr std::size_t kDefaultByteLimit = 8u << 20;
+
+    explicit OutgoingQueue(std::size_t frameLimit, std::size_t byteLimit = kDefaultByteLimit)
+        : frameLimit_(frameLimit), byteLimit_(byteLimit) {}
+
+    // False, with nothing queued, when the frame does not fit.
+    bool push(std::string frame);
+    const std::string& front() const { return frames_.front(); }
+    void pop();
+    bool empty() const { return frames_.empty(); }
+    std::size_t size() const { return frames_.size(); }
+    std::size_t bytes() const { return bytes_; }
+
+  private:
+    std::deque<std::string> frames_;
+    std::size_t frameLimit_;
+    std::size_t byteLimit_;
+    std::size_t bytes_ = 0;
+};
+
+}  // namespace tavren::server

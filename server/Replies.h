@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "core/protocol/Catalogue.h"
+
+// The server's fixed answers: the group 3 and group 4 codes it uses and the texts the client
+// recognises word for word.
+namespace tavren::server::replies {
+
+// Group 3 is read by the client from its payload alone; the second code only tells the two
+// results apart for logs and tools.
+inline constexpr protocol::CodePair kLoginResult{protocol::kLoginResultGroup, 1};
+inline constexpr protocol::CodePair kSignUpResult{protocol::kLoginResultGroup, 2};
+// Every notice the client shows with the title "Attention!".
+inline constexpr protocol::CodePair kNotice{protocol::kNoticeGroup, 1};
+
+inline constexpr std::string_view kNotRegistered = "Nickname not registered!";
+inline constexpr std::string_view kAccountCreationError = "Account Creation Error!";
+inline constexpr std::string_view kRegistrationSuccess = "Registration Success!";
+
+inline constexpr std::string_view kPing = "Ping";
+inline constexpr std::string_view kOk = "OK";
+inline constexpr std::string_view kDefaultRoom = "General";
+inline constexpr std::string_view kServerName = "tavrend";
+
+}  // namespace tavren::server::replies

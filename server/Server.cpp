@@ -1,0 +1,109 @@
+#include "server/Server.h"
+
+#include <algorithm>
+#include <asio/co_spawn.hpp>
+#include <asio/detached.hpp>
+#include <asio/experimental/as_tuple.hpp>
+#include <asio/use_awaitable.hpp>
+#include <asio/write.hpp>
+
+#include "core/protocol/Frame.h"
+#include "server/Connection.h"
+#include "server/Log.h"
+#include "server/Replies.h"
+
+namespace tavren::server {
+
+namespace {
+
+constexpr auto kAwaitResult = asio::experimental::as_tuple(asio::use_awaitable);
+
+asio::ip::tcp::endpoint resolveListenAddress(asio::io_context& io, const ServerConfig& config) {
+    asio::ip::tcp::resolver resolver(io);
+    const auto results = resolver.resolve(
+        config.listenHost, std::to_string(config.listenPort),
+        asio::ip::resolver_base::passive | asio::ip::resolver_base::numeric_service);
+    return results.begin()->endpoint();
+}
+
+}  // namespace
+
+Server::Server(asio::io_context& io, ServerConfig config, AccountStore& accounts)
+    : config_(std::move(config)),
+      context_{config_, accounts, presence_, passwords_},
+      addressLimiter_(config_.maxConnectionsPerAddress),
+      acceptor_(io, resolveListenAddress(io, config_)) {}
+
+Server::~Server() {
+    passwords_.shutDown();
+}
+
+void Server::start() {
+    const auto endpoint = localEndpoint();
+    Log::info("listening on " + endpoint.address().to_string() + ":" +
+              std::to_string(endpoint.port()));
+    asio::co_spawn(acceptor_.get_executor(), acceptLoop(), asio::detached);
+}
+
+void Server::stop() {
+    if (stopped_) {
+        return;
+    }
+    stopped_ = true;
+    passwords_.shutDown();
+    asio::error_code ignored;
+    acceptor_.close(ignored);
+    for (const auto& weak : connections_) {
+        if (auto connection = weak.lock()) {
+            connection->stop("server stopping");
+        }
+    }
+    connections_.clear();
+}
+
+asio::awaitable<void> Server::acceptLoop() {
+    while (!stopped_) {
+        auto [error, socket] = co_await acceptor_.async_accept(kAwaitResult);
+        if (stopped_) {
+            co_return;
+        }
+        if (error) {
+            // Running out of descriptors is passing; keep serving the others.
+            Log::warn("accept failed: " + error.message());
+            continue;
+        }
+        asio::error_code peerError;
+        const auto peer = socket.remote_endpoint(peerError);
+        if (peerError) {
+            continue;  // gone before we looked
+        }
+        std::string address = peer.address().to_string();
+        auto slot = addressLimiter_.tryAcquire(address);
+        if (!slot) {
+            asio::co_spawn(acceptor_.get_executor(), refuse(std::move(socket), std::move(address)),
+                           asio::detached);
+            continue;
+        }
+        std::erase_if(connections_, [](const auto& weak) { return weak.expired(); });
+        auto connection =
+            std::make_shared<Connection>(std::move(socket), context_, std::move(*slot),
+                                         address + ":" + std::to_string(peer.port()));
+        connections_.push_back(connection);
+        connection->start();
+    }
+}
+
+asio::awaitable<void> Server::refuse(asio::ip::tcp::socket socket, std::string address) {
+    Log::warn("refused a connection from " + address + ": " +
+              std::to_string(config_.maxConnectionsPerAddress) + " already open");
+    const std::string notice = protocol::EncodeFrame(
+        replies::kNotice,
+        "Too many connections from your address. Please close one and try again.");
+    // A few dozen bytes always fit in a fresh socket's buffer, so this never waits on the client.
+    co_await asio::async_write(socket, asio::buffer(notice), kAwaitResult);
+    asio::error_code ignored;
+    socket.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
+    socket.close(ignored);
+}
+
+}  // namespace tavren::server

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+struct sqlite3;
+
+namespace tavren::server {
+
+// One open SQLite database in write-ahead-log mode, so readers never wait for the writer. Opening
+// creates the file and its folder when missing and brings the schema up to date. Not shared
+// between threads: the server uses it from its network thread only.
+class SqliteDatabase {
+  public:
+    explicit SqliteDatabase(const std::filesystem::path& file);
+    ~SqliteDatabase();
+    SqliteDatabase(const SqliteDatabase&) = delete;
+    SqliteDatabase& operator=(const SqliteDatabase&) = delete;
+
+    // Runs statements that return no rows; throws StorageError on failure.
+    void execute(const std::string& sql);
+    sqlite3* handle() const { return db_; }
+    // The database's own message for the last failure.
+    std::string lastError() const;
+
+  private:
+    void migrate();
+
+    sqlite3* db_ = nullptr;
+};
+
+}  // namespace tavren::server
