@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QAbstractSocket>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include "core/ConnectTarget.h"
+#include "core/ConnectedClock.h"
+#include "core/ConnectionOptions.h"
+#include "core/PingWatchdog.h"
+
+namespace tavren {
+
+class ErrorLog;
+class Prompter;
+class ServerLink;
+class Settings;
+
+// Opens the link to the server (directly or through an HTTP proxy tunnel), tells the user in
+// plain words when that fails, watches the link with the ping watchdog and brings the client
+// back to the offline state when the link ends. What is said over the link once it is up
+// belongs to the login flow, which waits for linkReady().
+class ServerConnection : public QObject {
+    Q_OBJECT
+  public:
+    enum class Phase { Closed, Connecting, Tunnelling, Up };
+
+    ServerConnection(Settings& settings, Prompter& prompter, ErrorLog& errorLog, ServerLink& link,
+                     const ConnectionOptions& options, QObject* parent = nullptr);
+
+    // Validates the settings and starts connecting. A setting that cannot work is reported in
+    // a message box and nothing touches the network; returns false then.
+    bool ConnectToServer();
+    // The one way back to the logged-out state: closes the link, stops the clock and the
+    // watchdog and announces wentOffline(). Does nothing when already offline.
+    void GoOffline(bool remote);
+    // The watchdog gave up: offline once, with the time-out line for the user.
+    void PingTimedOut();
+    // The dispatcher answered a ping; the link is alive.
+    void pingArrived() { watchdog_.pingArrived(); }
+
+    Phase phase() const { return phase_; }
+    bool linkUp() const { return phase_ == Phase::Up; }
+    const ConnectTarget& target() const { return target_; }
+
+    // The first of the two flags that make connection errors quiet: set once a login has been
+    // accepted, so that losing an established session is reported in the error window while
+    // the auto-reconnect countdown retries. The second is Settings::autoReconnectArmed().
+    bool loggedInBefore() const { return loggedInBefore_; }
+    void setLoggedInBefore(bool on) { loggedInBefore_ = on; }
+    bool quietErrors() const;
+    // Whether a lost link will be re-established by the countdown.
+    bool autoReloginEnabled() const;
+
+    ConnectedClock& clock() { return clock_; }
+    PingWatchdog& watchdog() { return watchdog_; }
+
+  signals:
+    // Connected straight to the server, or the proxy's tunnel is up: the client may speak.
+    void linkReady();
+    // A connect attempt failed and the user has been told; the login button resets.
+    void connectFailed();
+    // The client went offline (remote: the server closed the link).
+    void wentOffline(bool remote);
+    // A line for every open conversation pane, already prefixed with "Server: ".
+    void statusLine(const QString& line);
+
+  private:
+    void onConnected();
+    void onReady();
+    void onLinkFailed(QAbstractSocket::SocketError error, const QString& description);
+    void onRemoteClosed();
+    void onStreamRefused(const QString& text);
+    void reportFailure(QAbstractSocket::SocketError error, const QString& description);
+    void tellOffline(const QString& text);
+
+    Settings& settings_;
+    Prompter& prompter_;
+    ErrorLog& errorLog_;
+    ServerLink& link_;
+    ConnectionOptions options_;
+    ConnectTarget target_;
+    Phase phase_ = Phase::Closed;
+    bool loggedInBefore_ = false;
+    QTimer connectTimer_;
+    ConnectedClock clock_;
+    PingWatchdog watchdog_;
+};
+
+}  // namespace tavren

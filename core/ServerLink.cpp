@@ -1,0 +1,124 @@
+#include "core/ServerLink.h"
+
+#include "core/FloodMeters.h"
+#include "core/WireText.h"
+
+namespace tavren {
+
+namespace {
+// The typing notice goes out with every key stroke; it must not fill the flood meters.
+constexpr std::int16_t kUnmeteredCode = 16;
+}  // namespace
+
+ServerLink::ServerLink(FloodMeters& floodMeters, QObject* parent)
+    : QObject(parent), floodMeters_(floodMeters), socket_(this) {
+    socket_.setObjectName(QStringLiteral("Sock"));
+    connect(&socket_, &QTcpSocket::connected, this, [this] {
+        ending_ = Ending::None;
+        emit connected();
+    });
+    connect(&socket_, &QTcpSocket::readyRead, this, &ServerLink::onReadyRead);
+    connect(&socket_, &QTcpSocket::disconnected, this, &ServerLink::onDisconnected);
+    connect(&socket_, &QTcpSocket::errorOccurred, this, &ServerLink::onError);
+}
+
+void ServerLink::connectTo(const QString& host, quint16 port, bool proxyMode) {
+    close();
+    host_ = host;
+    port_ = port;
+    ending_ = Ending::None;
+    cutter_.SetProxyMode(proxyMode);
+    socket_.connectToHost(host, port);
+}
+
+void ServerLink::close() {
+    cutter_.Reset();
+    if (socket_.state() != QAbstractSocket::UnconnectedState) {
+        // abort() reports the disconnection synchronously; it is ours, not the server's.
+        closing_ = true;
+        socket_.abort();
+        closing_ = false;
+        if (ending_ == Ending::None) {
+            ending_ = Ending::Closed;
+        }
+    }
+}
+
+void ServerLink::SendPacket(const QString& payload, protocol::CodePair code) {
+    if (!isConnected()) {
+        close();
+        return;
+    }
+    const std::string frame = protocol::EncodeFrame(code, WireText::toWire(payload));
+    socket_.write(frame.data(), static_cast<qint64>(frame.size()));
+    if (code.cmd2 != kUnmeteredCode) {
+        floodMeters_.FloodTick();
+    }
+}
+
+void ServerLink::sendRaw(const QByteArray& bytes) {
+    if (isConnected()) {
+        socket_.write(bytes);
+    }
+}
+
+void ServerLink::onReadyRead() {
+    if (!isConnected()) {
+        close();
+        return;
+    }
+    const QByteArray bytes = socket_.readAll();
+    cutter_.Append(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
+    // A handler that opens a modal box lets socket events run inside it; the outer loop is
+    // still draining and will pick up what arrived, in order.
+    if (!draining_) {
+        drainFrames();
+    }
+}
+
+void ServerLink::drainFrames() {
+    // The cutter is reset whenever the connection is closed or replaced, so whatever it still
+    // holds after a handler returns belongs to the connection that is current now.
+    draining_ = true;
+    for (;;) {
+        protocol::CutResult cut = cutter_.Next();
+        if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+            break;
+        }
+        if (cut.kind == protocol::CutResult::Kind::kError) {
+            close();
+            ending_ = Ending::Error;
+            draining_ = false;
+            emit streamRefused(WireText::fromWire(cut.errorText));
+            return;
+        }
+        if (cut.kind == protocol::CutResult::Kind::kTunnelUp) {
+            emit tunnelUp();
+        } else if (sink_) {
+            sink_(cut.frame);
+        }
+    }
+    draining_ = false;
+}
+
+void ServerLink::onDisconnected() {
+    if (closing_) {
+        return;
+    }
+    cutter_.Reset();
+    ending_ = Ending::RemoteClosed;
+    emit remoteClosed();
+}
+
+void ServerLink::onError(QAbstractSocket::SocketError error) {
+    // A remote close also arrives as disconnected(), which is where it is handled.
+    if (closing_ || error == QAbstractSocket::RemoteHostClosedError) {
+        return;
+    }
+    const QString description = socket_.errorString();
+    close();
+    ending_ = Ending::Error;
+    emit failed(error, description);
+}
+
+}  // namespace tavren

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+namespace tavren {
+
+// The client's one crossing between Unicode text and payload bytes. Payloads are Windows-1252,
+// one byte per character; every byte survives a round trip, so the separators ":", ";", U+0001
+// and U+0002 reach the feature code as the sender wrote them.
+class WireText {
+  public:
+    static std::string toWire(const QString& text);
+    static QString fromWire(std::string_view bytes);
+};
+
+}  // namespace tavren
