@@ -72,8 +72,10 @@ void FrameCutter::Reset() {
 }
 
 CutResult FrameCutter::Next() {
-    const std::string_view pending =
-        std::string_view(buffer_).substr(failed_ ? buffer_.size() : start_);
+    if (failed_) {
+        return {};
+    }
+    const std::string_view pending = std::string_view(buffer_).substr(start_);
     if (pending.empty()) {
         return {};
     }

@@ -68,7 +68,7 @@ class FrameCutter {
     // Bytes received but not yet handed out.
     std::size_t BufferedBytes() const { return buffer_.size() - start_; }
 
-    // Forgets everything, including a failure; for a new connection.
+    // Forgets everything, including a failure and proxy mode; for a new connection.
     void Reset();
 
   private:

@@ -2,6 +2,7 @@
 // varying size, and checks that both deliver the same results, that every frame handed out is
 // exactly the bytes it was cut from, and that the buffer never holds more than one frame's worth.
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -35,6 +36,24 @@ bool SameResult(const CutResult& a, const CutResult& b) {
     return a.error == CutError::kProxyRefused || a.errorText == b.errorText;
 }
 
+// An HTTP "200" reply that ends with its first blank line.
+bool IsWholeProxyAcceptance(std::string_view reply) {
+    if (reply.size() < 12 || reply.substr(9, 3) != "200") {
+        return false;
+    }
+    for (std::size_t i = 0; i < 5; ++i) {
+        if (std::tolower(static_cast<unsigned char>(reply[i])) != "http/"[i]) {
+            return false;
+        }
+    }
+    const std::size_t firstBlank = std::min(reply.find("\n\n"), reply.find("\n\r\n"));
+    if (firstBlank == std::string_view::npos) {
+        return false;
+    }
+    const std::size_t blankLength = reply.substr(firstBlank, 2) == "\n\n" ? 2 : 3;
+    return firstBlank + blankLength == reply.size();
+}
+
 struct Run {
     std::vector<CutResult> results;
 };
@@ -61,7 +80,9 @@ void Drain(FrameCutter& cutter, std::string_view stream, std::size_t& consumed, 
         } else if (result.kind == CutResult::Kind::kTunnelUp) {
             Check(!cutter.ProxyMode());
             Check(before > cutter.BufferedBytes());
-            consumed += before - cutter.BufferedBytes();
+            const std::size_t replyLength = before - cutter.BufferedBytes();
+            Check(IsWholeProxyAcceptance(stream.substr(consumed, replyLength)));
+            consumed += replyLength;
         } else {
             Check(cutter.Failed() && cutter.BufferedBytes() == 0 && !result.errorText.empty());
         }
