@@ -13,6 +13,8 @@ QString DataRoot::path() {
     return QDir::cleanPath(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
 }
 
-QString DataRoot::file(const QString& relative) { return path() + QLatin1Char('/') + relative; }
+QString DataRoot::file(const QString& relative) {
+    return path() + QLatin1Char('/') + relative;
+}
 
 }  // namespace tavren

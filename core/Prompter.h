@@ -8,7 +8,7 @@ namespace tavren {
 // Questions and messages to the user. Session code asks through this interface; the windows
 // answer with real message boxes, tests with a scripted fake, so dialog flows run headless.
 class Prompter {
-public:
+  public:
     enum class Answer { Yes, No, Cancel };
     enum class Icon { None, Information, Warning, Critical, Question };
 

@@ -8,7 +8,7 @@ namespace tavren {
 
 // Answers the session layer's questions with modal message and input boxes.
 class MessageBoxPrompter : public Prompter {
-public:
+  public:
     explicit MessageBoxPrompter(QWidget* parent = nullptr) : parent_(parent) {}
 
     void message(const QString& text, const QString& title, Icon icon) override;
@@ -17,7 +17,7 @@ public:
     std::optional<QString> askText(const QString& prompt, const QString& title,
                                    const QString& defaultText) override;
 
-private:
+  private:
     QWidget* parent_;
 };
 

@@ -12,14 +12,14 @@ namespace tavren::test {
 
 // A Prompter for tests: answers from a script and records every question it was asked.
 class ScriptedPrompter : public Prompter {
-public:
+  public:
     struct Asked {
         QString kind;  // "message", "yesno", "yesnocancel", "text"
         QString text;
         QString title;
     };
 
-    std::deque<Answer> answers;              // consumed by askYesNo / askYesNoCancel
+    std::deque<Answer> answers;                // consumed by askYesNo / askYesNoCancel
     std::deque<std::optional<QString>> texts;  // consumed by askText
     std::vector<Asked> asked;
 
@@ -45,7 +45,7 @@ public:
         return text;
     }
 
-private:
+  private:
     Answer next(Answer fallback) {
         if (answers.empty()) {
             return fallback;

@@ -1,0 +1,14 @@
+#include "core/ClientSession.h"
+
+namespace tavren {
+
+ClientSession::ClientSession(const QString& dataRoot, AutostartRegistrar* autostart,
+                             QObject* parent)
+    : QObject(parent),
+      dataRoot_(dataRoot),
+      store_(),
+      settings_(store_, dataRoot, autostart),
+      files_(dataRoot),
+      sounds_(settings_) {}
+
+}  // namespace tavren

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QDialog>
+
+class QLabel;
+class QLineEdit;
+
+namespace tavren {
+
+class AccountRequests;
+
+// Changes the logged-in member's e-mail address, starting from the address the server has.
+class ChangeEmailDialog : public QDialog {
+    Q_OBJECT
+  public:
+    ChangeEmailDialog(AccountRequests& requests, const QString& currentEmail,
+                      QWidget* parent = nullptr);
+
+    void accept() override;
+
+  private:
+    AccountRequests& requests_;
+    QLineEdit* email_;
+    QLabel* problem_;
+};
+
+}  // namespace tavren

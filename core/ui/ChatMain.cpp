@@ -1,0 +1,347 @@
+#include "core/ui/ChatMain.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QSystemTrayIcon>
+#include <QTextBrowser>
+#include <QToolBar>
+#include <QToolButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include "config/WindowPlacement.h"
+#include "config/ui/ChatConfig.h"
+#include "core/AwayMenuModel.h"
+#include "core/ClientSession.h"
+#include "core/ConnectedClock.h"
+#include "core/ui/AboutDialog.h"
+#include "core/ui/AppIcon.h"
+#include "core/ui/MessageBoxPrompter.h"
+
+namespace tavren {
+
+namespace {
+const QString kWindowName = QStringLiteral("ChatMain");
+const QString kOfflineCaption = QStringLiteral("Tavren Chat Offline (?\?)");
+}  // namespace
+
+ChatMain::ChatMain(ClientSession& session, QWidget* parent)
+    : QMainWindow(parent),
+      session_(session),
+      prompter_(std::make_unique<MessageBoxPrompter>(this)),
+      clock_(new ConnectedClock(this)) {
+    setObjectName(kWindowName);
+    setWindowIcon(AppIcon::make(false));
+    setMinimumSize(220, 360);
+    buildMenus();
+    buildCentralArea();
+    buildStatusBar();
+    buildTrayIcon();
+    setOfflineLook();
+
+    Settings& settings = session_.settings();
+    connect(&settings, &Settings::changed, this, &ChatMain::applyViewSettings);
+    connect(&settings, &Settings::showAdsChanged, this, &ChatMain::applyViewSettings);
+    connect(&settings, &Settings::showToolsChanged, this, &ChatMain::applyViewSettings);
+    connect(&session_.awayMessages(), &AwayMessages::changed, this, &ChatMain::rebuildAwayMenu);
+    connect(clock_, &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);
+    applyViewSettings();
+    rebuildAwayMenu();
+
+    resize(330, 560);
+    if (const auto placement = WindowPlacement::load(session_.store(), kWindowName)) {
+        // A placement from a screen that is gone would hide the window; keep it on screen.
+        const QRect wanted(placement->left, placement->top, placement->width, placement->height);
+        const QScreen* screen = QGuiApplication::screenAt(wanted.center());
+        if (screen != nullptr && wanted.width() > 0 && wanted.height() > 0) {
+            setGeometry(wanted.intersected(screen->availableGeometry()));
+        }
+        if (placement->state == WindowPlacement::Maximized) {
+            setWindowState(windowState() | Qt::WindowMaximized);
+        }
+    }
+}
+
+ChatMain::~ChatMain() = default;
+
+QAction* ChatMain::addCommand(QMenu* menu, const QString& name, const QString& caption,
+                              bool available) {
+    auto* action = menu->addAction(caption);
+    action->setObjectName(name);
+    // Commands of features that are not part of this client yet stay visible but unavailable.
+    action->setEnabled(available);
+    actions_.insert(name, action);
+    return action;
+}
+
+void ChatMain::buildMenus() {
+    QMenu* tavrenMenu = menuBar()->addMenu(QStringLiteral("&Tavren"));
+    addCommand(tavrenMenu, QStringLiteral("loginoff"), QStringLiteral("&Login.."), false);
+    addCommand(tavrenMenu, QStringLiteral("nickswitch"), QStringLiteral("S&witch Account.."),
+               false);
+    addCommand(tavrenMenu, QStringLiteral("currentnick"), QStringLiteral("&Current Account.."),
+               false);
+    tavrenMenu->addSeparator();
+    addCommand(tavrenMenu, QStringLiteral("changepassword"), QStringLiteral("Change &Password.."),
+               false);
+    addCommand(tavrenMenu, QStringLiteral("mnueditemail"), QStringLiteral("Change &E-mail.."),
+               false);
+    addCommand(tavrenMenu, QStringLiteral("formatnickname"), QStringLiteral("&Nickname Format.."),
+               false);
+    addCommand(tavrenMenu, QStringLiteral("editprofile"), QStringLiteral("Edit P&rofile.."), false);
+    tavrenMenu->addSeparator();
+    connect(addCommand(tavrenMenu, QStringLiteral("config"), QStringLiteral("&Settings.."), true),
+            &QAction::triggered, this, [this] { openSettings(); });
+    addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Server C&onsole.."), false);
+    tavrenMenu->addSeparator();
+    connect(addCommand(tavrenMenu, QStringLiteral("exittavren"), QStringLiteral("E&xit"), true),
+            &QAction::triggered, this, &QWidget::close);
+
+    QMenu* chatMenu = menuBar()->addMenu(QStringLiteral("&Chat"));
+    addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."), false);
+    addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false);
+    addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false);
+    chatMenu->addSeparator();
+    addCommand(chatMenu, QStringLiteral("sendmsg"), QStringLiteral("Send &Private Message.."),
+               false);
+    addCommand(chatMenu, QStringLiteral("readmessages"), QStringLiteral("&Read Messages (0).."),
+               false);
+    chatMenu->addSeparator();
+    addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."), false);
+    addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."), false);
+
+    QMenu* buddyMenu = menuBar()->addMenu(QStringLiteral("&Buddies"));
+    addCommand(buddyMenu, QStringLiteral("mnuaddbuddy"), QStringLiteral("&Add Buddy.."), false);
+    addCommand(buddyMenu, QStringLiteral("editbuddys"), QStringLiteral("&Edit Buddies.."), false);
+    addCommand(buddyMenu, QStringLiteral("mnusetupb"), QStringLiteral("Buddy List &Setup.."),
+               false);
+    buddyMenu->addSeparator();
+    addCommand(buddyMenu, QStringLiteral("newaway"), QStringLiteral("&New Away Message.."), false);
+    connect(addCommand(buddyMenu, QStringLiteral("Editawaym"),
+                       QStringLiteral("&Edit Away Messages.."), true),
+            &QAction::triggered, this, [this] { openSettings(ChatConfig::Page::AwayMessages); });
+
+    QMenu* gameMenu = menuBar()->addMenu(QStringLiteral("&Games"));
+    addCommand(gameMenu, QStringLiteral("jointable"), QStringLiteral("&Join Table.."), false);
+    addCommand(gameMenu, QStringLiteral("mnufindtable"), QStringLiteral("&Find Tables.."), false);
+    addCommand(gameMenu, QStringLiteral("mnucreatetable"), QStringLiteral("&Create Table.."),
+               false);
+    addCommand(gameMenu, QStringLiteral("mnu_gameinvite"), QStringLiteral("&Invite to Table.."),
+               false);
+
+    QMenu* viewMenu = menuBar()->addMenu(QStringLiteral("&View"));
+    QAction* toolbar =
+        addCommand(viewMenu, QStringLiteral("mnuToolbar"), QStringLiteral("&Tool Bar"), true);
+    toolbar->setCheckable(true);
+    connect(toolbar, &QAction::triggered, this,
+            [this](bool on) { session_.settings().setShowTools(on); });
+    QAction* ads =
+        addCommand(viewMenu, QStringLiteral("showads"), QStringLiteral("&News Pane"), true);
+    ads->setCheckable(true);
+    connect(ads, &QAction::triggered, this,
+            [this](bool on) { session_.settings().setShowAds(on); });
+    QAction* sounds =
+        addCommand(viewMenu, QStringLiteral("playsounds"), QStringLiteral("Play &Sounds"), true);
+    sounds->setCheckable(true);
+    connect(sounds, &QAction::triggered, this, [this](bool on) {
+        Settings& settings = session_.settings();
+        SettingsValues values = settings.values();
+        values.playSounds = on;
+        settings.setValues(values);
+        settings.store().setValue(QString::fromLatin1(SettingsStore::Sounds),
+                                  QStringLiteral("Play"),
+                                  on ? QStringLiteral("1") : QStringLiteral("0"));
+    });
+
+    QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
+    addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."), false);
+    connect(addCommand(helpMenu, QStringLiteral("abouttavren"), QStringLiteral("&About Tavren.."),
+                       true),
+            &QAction::triggered, this, &ChatMain::showAbout);
+
+    toolBar_ = addToolBar(QStringLiteral("Tools"));
+    toolBar_->setObjectName(QStringLiteral("toolbar"));
+    toolBar_->setMovable(false);
+    toolBar_->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    for (const char* name : {"joinroom", "sendmsg", "config"}) {
+        toolBar_->addAction(actions_.value(QString::fromLatin1(name)));
+    }
+}
+
+void ChatMain::buildCentralArea() {
+    auto* splitter = new QSplitter(Qt::Vertical, this);
+    auto* buddyArea = new QWidget(splitter);
+    auto* buddyLayout = new QVBoxLayout(buddyArea);
+    buddyLayout->setContentsMargins(4, 4, 4, 0);
+    buddyCaption_ = new QLabel(buddyArea);
+    buddyCaption_->setObjectName(QStringLiteral("buddyCaption"));
+    buddyTree_ = new QTreeWidget(buddyArea);
+    buddyTree_->setObjectName(QStringLiteral("buddyTree"));
+    buddyTree_->setHeaderHidden(true);
+    buddyLayout->addWidget(buddyCaption_);
+    buddyLayout->addWidget(buddyTree_);
+
+    pane_ = new QTextBrowser(splitter);
+    pane_->setObjectName(QStringLiteral("pane"));
+    pane_->setOpenExternalLinks(true);
+    pane_->setPlainText(QStringLiteral("Loading.."));
+
+    splitter->addWidget(buddyArea);
+    splitter->addWidget(pane_);
+    splitter->setStretchFactor(0, 4);
+    splitter->setStretchFactor(1, 1);
+    setCentralWidget(splitter);
+}
+
+void ChatMain::buildStatusBar() {
+    statusButton_ = new QToolButton(this);
+    statusButton_->setObjectName(QStringLiteral("statusButton"));
+    statusButton_->setPopupMode(QToolButton::InstantPopup);
+    statusButton_->setText(QStringLiteral("Active"));
+    statusButton_->setToolTip(QStringLiteral("Away messages"));
+    awayMenu_ = new QMenu(statusButton_);
+    statusButton_->setMenu(awayMenu_);
+
+    onlineLabel_ = new QLabel(this);
+    onlineLabel_->setObjectName(QStringLiteral("onlineLabel"));
+    scoreLabel_ = new QLabel(this);
+    scoreLabel_->setObjectName(QStringLiteral("scoreLabel"));
+    timeLabel_ = new QLabel(clock_->text(), this);
+    timeLabel_->setObjectName(QStringLiteral("connectedTime"));
+    timeLabel_->setToolTip(QStringLiteral("Connected time (days:hours:minutes:seconds)"));
+
+    statusBar()->addWidget(statusButton_);
+    statusBar()->addWidget(onlineLabel_, 1);
+    statusBar()->addPermanentWidget(timeLabel_);
+}
+
+void ChatMain::buildTrayIcon() {
+    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+        return;
+    }
+    tray_ = new QSystemTrayIcon(AppIcon::make(false), this);
+    auto* trayMenu = new QMenu(this);
+    trayMenu->addAction(QStringLiteral("&Show Tavren"), this, [this] {
+        showNormal();
+        raise();
+        activateWindow();
+    });
+    trayMenu->addAction(QStringLiteral("&Settings.."), this, [this] { openSettings(); });
+    trayMenu->addSeparator();
+    trayMenu->addAction(QStringLiteral("E&xit"), this, &QWidget::close);
+    tray_->setContextMenu(trayMenu);
+    connect(tray_, &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) {
+                    return;
+                }
+                if (isVisible() && !isMinimized()) {
+                    hide();
+                } else {
+                    showNormal();
+                    raise();
+                    activateWindow();
+                }
+            });
+    tray_->show();
+}
+
+void ChatMain::setOfflineLook() {
+    setWindowTitle(kOfflineCaption);
+    buddyCaption_->setText(QStringLiteral("Buddies (0)"));
+    buddyTree_->clear();
+    onlineLabel_->setText(QStringLiteral("Offline"));
+    scoreLabel_->clear();
+    clock_->stop();
+    if (tray_ != nullptr) {
+        tray_->setToolTip(kOfflineCaption);
+        tray_->setIcon(AppIcon::make(false));
+    }
+}
+
+void ChatMain::applyViewSettings() {
+    const Settings& settings = session_.settings();
+    pane_->setVisible(settings.showAds());
+    toolBar_->setVisible(settings.showTools());
+    actions_.value(QStringLiteral("showads"))->setChecked(settings.showAds());
+    actions_.value(QStringLiteral("mnuToolbar"))->setChecked(settings.showTools());
+    actions_.value(QStringLiteral("playsounds"))->setChecked(settings.values().playSounds);
+    setWindowOpacity(settings.values().windowOpacity());
+}
+
+void ChatMain::rebuildAwayMenu() {
+    awayMenu_->clear();
+    QStringList names;
+    for (const AwayMessage& message : session_.awayMessages().entries()) {
+        names << message.name;
+    }
+    for (const AwayMenuModel::Item& item : AwayMenuModel::build(names, false)) {
+        if (item.isSeparator()) {
+            awayMenu_->addSeparator()->setObjectName(item.key);
+            continue;
+        }
+        QAction* action = awayMenu_->addAction(item.caption);
+        action->setObjectName(item.key);
+        // Going away needs the server; only the editor works while offline.
+        action->setEnabled(item.key == QLatin1String("edt"));
+        connect(action, &QAction::triggered, this, [this, key = item.key] { onAwayMenuItem(key); });
+    }
+}
+
+void ChatMain::onAwayMenuItem(const QString& key) {
+    if (key == QLatin1String("edt")) {
+        openSettings(ChatConfig::Page::AwayMessages);
+    }
+}
+
+void ChatMain::openSettings(ChatConfig::Page page) {
+    auto* config = qobject_cast<ChatConfig*>(settingsWindow_);
+    if (config == nullptr) {
+        config = new ChatConfig(session_.settings(), session_.dataFiles(), *prompter_,
+                                &session_.sounds(), this);
+        settingsWindow_ = config;
+    }
+    config->openAt(page);
+}
+
+void ChatMain::showAbout() {
+    AboutDialog about(this);
+    about.exec();
+}
+
+QString ChatMain::connectedTimeText() const {
+    return timeLabel_->text();
+}
+
+QString ChatMain::paneText() const {
+    return pane_->toPlainText();
+}
+
+void ChatMain::closeEvent(QCloseEvent* event) {
+    WindowPlacement placement;
+    const QRect frame = normalGeometry();
+    placement.left = frame.left();
+    placement.top = frame.top();
+    placement.width = frame.width();
+    placement.height = frame.height();
+    placement.state = isMaximized()   ? WindowPlacement::Maximized
+                      : isMinimized() ? WindowPlacement::Minimized
+                                      : WindowPlacement::Normal;
+    placement.save(session_.store(), kWindowName);
+    session_.store().sync();
+    if (tray_ != nullptr) {
+        tray_->hide();
+    }
+    event->accept();
+    // The main window is the process: closing it ends the program even if others are open.
+    QApplication::quit();
+}
+
+}  // namespace tavren

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+#include <memory>
+
+#include "config/ui/ChatConfig.h"
+
+class QAction;
+class QLabel;
+class QMenu;
+class QSystemTrayIcon;
+class QTextBrowser;
+class QToolBar;
+class QToolButton;
+class QTreeWidget;
+
+namespace tavren {
+
+class ClientSession;
+class ConnectedClock;
+class Prompter;
+
+// The shell: buddy list, news pane, status bar with the away button and connected time, tray
+// icon and main menu. Every menu item carries its command name as object name, so the rest of
+// the program (and the tests) reach it by that name.
+class ChatMain : public QMainWindow {
+    Q_OBJECT
+  public:
+    explicit ChatMain(ClientSession& session, QWidget* parent = nullptr);
+    ~ChatMain() override;
+
+    QAction* action(const QString& name) const { return actions_.value(name); }
+    QString connectedTimeText() const;
+    QString paneText() const;
+    QMenu* awayMenu() const { return awayMenu_; }
+
+    // Shows the settings window at one of its pages.
+    void openSettings(ChatConfig::Page page = ChatConfig::Page::General);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void buildMenus();
+    void buildCentralArea();
+    void buildStatusBar();
+    void buildTrayIcon();
+    void applyViewSettings();
+    void rebuildAwayMenu();
+    void onAwayMenuItem(const QString& key);
+    void showAbout();
+    void setOfflineLook();
+    QAction* addCommand(QMenu* menu, const QString& name, const QString& caption, bool available);
+
+    ClientSession& session_;
+    std::unique_ptr<Prompter> prompter_;
+    QHash<QString, QAction*> actions_;
+    QTreeWidget* buddyTree_ = nullptr;
+    QLabel* buddyCaption_ = nullptr;
+    QTextBrowser* pane_ = nullptr;
+    QToolBar* toolBar_ = nullptr;
+    QToolButton* statusButton_ = nullptr;
+    QMenu* awayMenu_ = nullptr;
+    QLabel* onlineLabel_ = nullptr;
+    QLabel* scoreLabel_ = nullptr;
+    QLabel* timeLabel_ = nullptr;
+    QSystemTrayIcon* tray_ = nullptr;
+    ConnectedClock* clock_ = nullptr;
+    QWidget* settingsWindow_ = nullptr;
+};
+
+}  // namespace tavren
