@@ -31,3 +31,14 @@ target_sources(tavren_session PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/ServerSession.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/WireText.cpp
 )
+
+target_sources(tavren_ui PRIVATE
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/AccountEntryDialog.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChangeEmailDialog.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChangePasswordDialog.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChatConsole.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChatError.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChatLogin.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/ConnectionWindows.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/SignUpDialog.cpp
+)

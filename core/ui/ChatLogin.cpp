@@ -8,6 +8,7 @@
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "core/LoginFlow.h"
 #include "core/Prompter.h"
@@ -22,9 +23,10 @@ namespace {
 const QString kMaskedPassword = QStringLiteral("********");
 }  // namespace
 
-ChatLogin::ChatLogin(ServerSession& session, QWidget* parent)
+ChatLogin::ChatLogin(ServerSession& session, Prompter& prompter, QWidget* parent)
     : QWidget(parent, Qt::Window),
       session_(session),
+      prompter_(prompter),
       login_(session.login()),
       accounts_(session.accounts()),
       list_(new QTreeWidget(this)),
@@ -164,24 +166,38 @@ void ChatLogin::removeAccount() {
     if (accounts_.isNewUserRow(row)) {
         return;
     }
+    const Prompter::Answer answer = prompter_.askYesNo(
+        QStringLiteral(
+            "Remove the account %1 from this list?\n\nThe account itself stays on the server.")
+            .arg(accounts_.row(row).name),
+        QStringLiteral("Remove Account"));
+    if (answer != Prompter::Answer::Yes) {
+        return;
+    }
     accounts_.remove(row);
     login_.select(std::min(row, accounts_.rowCount() - 1));
 }
 
 void ChatLogin::openSignUp() {
-    if (signUp_.isNull()) {
+    // Kept between tries on one connection, so a refused sign-up comes back as it was typed.
+    if (signUp_ == nullptr) {
         signUp_ = new SignUpDialog(login_, this);
-        signUp_->setAttribute(Qt::WA_DeleteOnClose);
     }
-    signUp_->open();
-    signUp_->raise();
+    SignUpDialog* dialog = signUp_;
+    dialog->open();
+    dialog->raise();
 }
 
 void ChatLogin::closeSignUp() {
-    if (!signUp_.isNull() && signUp_->isVisible()) {
-        // done() rather than reject(): the connection is already gone, nothing to cancel.
-        signUp_->done(QDialog::Rejected);
+    SignUpDialog* dialog = std::exchange(signUp_, nullptr);
+    if (dialog == nullptr) {
+        return;
     }
+    if (dialog->isVisible()) {
+        // done() rather than reject(): the connection is already gone, nothing to cancel.
+        dialog->done(QDialog::Rejected);
+    }
+    dialog->deleteLater();
 }
 
 }  // namespace tavren

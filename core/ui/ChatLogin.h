@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
@@ -11,6 +10,7 @@ class QTreeWidget;
 namespace tavren {
 
 class LoginFlow;
+class Prompter;
 class SavedAccounts;
 class ServerSession;
 class SignUpDialog;
@@ -23,7 +23,7 @@ struct LoginButton;
 class ChatLogin : public QWidget {
     Q_OBJECT
   public:
-    explicit ChatLogin(ServerSession& session, QWidget* parent = nullptr);
+    ChatLogin(ServerSession& session, Prompter& prompter, QWidget* parent = nullptr);
 
     QTreeWidget* accountList() const { return list_; }
     QPushButton* loginButton() const { return button_; }
@@ -44,6 +44,7 @@ class ChatLogin : public QWidget {
     void closeSignUp();
 
     ServerSession& session_;
+    Prompter& prompter_;
     LoginFlow& login_;
     SavedAccounts& accounts_;
     QTreeWidget* list_;
@@ -51,7 +52,7 @@ class ChatLogin : public QWidget {
     QLabel* status_;
     QLabel* version_;
     QTimer statusTimer_;
-    QPointer<SignUpDialog> signUp_;
+    SignUpDialog* signUp_ = nullptr;  // made for each sign-up connection
 };
 
 }  // namespace tavren

@@ -1,0 +1,98 @@
+#include "core/ui/ConnectionWindows.h"
+
+#include <QDesktopServices>
+#include <QUrl>
+#include <QWidget>
+
+#include "core/Prompter.h"
+#include "core/ServerSession.h"
+#include "core/ui/ChangeEmailDialog.h"
+#include "core/ui/ChangePasswordDialog.h"
+#include "core/ui/ChatConsole.h"
+#include "core/ui/ChatError.h"
+#include "core/ui/ChatLogin.h"
+
+namespace tavren {
+
+namespace {
+void bringForward(QWidget& window) {
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+}  // namespace
+
+ConnectionWindows::ConnectionWindows(ServerSession& session, Prompter& prompter, QWidget* owner)
+    : QObject(owner), session_(session), prompter_(prompter), owner_(owner) {
+    // The error window must exist before the first error so that it can show itself.
+    errors();
+    connect(&session_.accountRequests(), &AccountRequests::emailReceived, this,
+            &ConnectionWindows::openEmailDialog);
+    connect(&session_.login(), &LoginFlow::updateDownloadRequested, this,
+            [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+}
+
+ChatLogin& ConnectionWindows::login() {
+    if (login_ == nullptr) {
+        login_ = new ChatLogin(session_, prompter_, owner_);
+    }
+    return *login_;
+}
+
+ChatError& ConnectionWindows::errors() {
+    if (errors_ == nullptr) {
+        errors_ = new ChatError(session_.errorLog(), owner_);
+    }
+    return *errors_;
+}
+
+ChatConsole& ConnectionWindows::console() {
+    if (console_ == nullptr) {
+        console_ = new ChatConsole(session_.console(), owner_);
+    }
+    return *console_;
+}
+
+void ConnectionWindows::showLogin() {
+    bringForward(login());
+}
+
+void ConnectionWindows::loginOrLogOff() {
+    if (session_.online()) {
+        session_.login().logOff();
+        return;
+    }
+    showLogin();
+}
+
+void ConnectionWindows::switchAccount() {
+    session_.login().logOff();
+    showLogin();
+}
+
+void ConnectionWindows::showCurrentAccount() {
+    prompter_.message(session_.currentAccountText(), QStringLiteral("Current Account"),
+                      Prompter::Icon::Information);
+}
+
+void ConnectionWindows::changePassword() {
+    auto* dialog = new ChangePasswordDialog(session_.accountRequests(), owner_);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void ConnectionWindows::changeEmail() {
+    session_.accountRequests().askEmail();
+}
+
+void ConnectionWindows::openEmailDialog(const QString& email) {
+    auto* dialog = new ChangeEmailDialog(session_.accountRequests(), email, owner_);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void ConnectionWindows::showConsole() {
+    bringForward(console());
+}
+
+}  // namespace tavren
