@@ -1,0 +1,80 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "holdem/Cards.h"
+
+namespace tavren::holdem {
+
+// A set of cards packed so that adding a card is two additions and the evaluator needs no loop:
+//
+//   key bits  0..15  sum of the rank keys of the ranks two..seven
+//   key bits 16..31  sum of the rank keys of the ranks eight..ace
+//   key bits 32..47  one four-bit counter per suit (spades lowest)
+//   suitRanks        one 16-bit lane per suit, bit r set when that suit holds rank r (0 = two)
+//
+// The rank keys are chosen so that no two different rank patterns of up to seven cards share a
+// sum within either half, so the two sums name the pattern exactly. Distinct cards never share a
+// suitRanks bit, which makes addition the same as union: hole cards plus board is one addition.
+// Only sets of at most seven distinct cards are meaningful; validate untrusted input first.
+struct Hand {
+    std::uint64_t key = 0;
+    std::uint64_t suitRanks = 0;
+
+    constexpr Hand& operator+=(const Hand& other) {
+        key += other.key;
+        suitRanks += other.suitRanks;
+        return *this;
+    }
+    friend constexpr Hand operator+(Hand left, const Hand& right) { return left += right; }
+    friend constexpr bool operator==(const Hand&, const Hand&) = default;
+};
+
+namespace hand_layout {
+
+inline constexpr int kLowRanks = 6;  // two .. seven live in the low half
+inline constexpr int kHighHalfShift = 16;
+inline constexpr int kSuitCounterShift = 32;
+inline constexpr std::uint64_t kHalfMask = 0xFFFF;
+inline constexpr int kSuitLaneBits = 16;
+
+// Smallest increasing keys whose sums over any pattern of up to seven cards, at most four of a
+// rank, are all different (found by a greedy search; the evaluator re-checks when it builds).
+inline constexpr std::array<std::uint32_t, 7> kRankKeys = {1, 5, 24, 112, 521, 2247, 9244};
+
+constexpr std::uint64_t RankKey(int rankIndex) {
+    return rankIndex < kLowRanks
+               ? kRankKeys[static_cast<std::size_t>(rankIndex)]
+               : std::uint64_t{kRankKeys[static_cast<std::size_t>(rankIndex - kLowRanks)]}
+                     << kHighHalfShift;
+}
+
+constexpr Hand HandOfCard(int card) {
+    if (!IsCardNumber(card)) {
+        return {};
+    }
+    const int suit = SuitIndexOfCard(card);
+    const int rankIndex = HighRankOfCard(card) - 2;
+    return {RankKey(rankIndex) + (std::uint64_t{1} << (kSuitCounterShift + 4 * suit)),
+            std::uint64_t{1} << (kSuitLaneBits * suit + rankIndex)};
+}
+
+constexpr std::array<Hand, kLastCard + 1> MakeCardHands() {
+    std::array<Hand, kLastCard + 1> hands{};
+    for (int card = kFirstCard; card <= kLastCard; ++card) {
+        hands[static_cast<std::size_t>(card)] = HandOfCard(card);
+    }
+    return hands;
+}
+
+}  // namespace hand_layout
+
+// Indexed by card number; entry 0 (no card, face down) adds nothing.
+inline constexpr std::array<Hand, kLastCard + 1> kCardHands = hand_layout::MakeCardHands();
+
+constexpr Hand HandOf(int card) {
+    return IsCardNumber(card) ? kCardHands[static_cast<std::size_t>(card)] : Hand{};
+}
+
+}  // namespace tavren::holdem

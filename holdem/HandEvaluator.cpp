@@ -1,0 +1,150 @@
+#include "holdem/HandEvaluator.h"
+
+#include <algorithm>
+#include <bit>
+#include <stdexcept>
+#include <vector>
+
+#include "holdem/HandRules.h"
+
+namespace tavren::holdem {
+
+namespace {
+
+using hand_layout::kLowRanks;
+constexpr int kRanks = 13;
+constexpr int kHighRanks = kRanks - kLowRanks;
+constexpr int kMaxCards = 7;
+constexpr int kMaxOfOneRank = 4;
+
+// Index ranges are masked rather than trusted, so even a Hand that breaks the evaluator's
+// precondition reads inside the tables: 14 bits cover every low-half sum, 16 every high-half sum.
+constexpr std::size_t kLowKeys = std::size_t{1} << 14;
+constexpr std::size_t kHighKeys = std::size_t{1} << 16;
+constexpr std::size_t kFlushMasks = std::size_t{1} << 13;
+
+// One half's rank pattern: its card counts and its rank-key sum.
+struct HalfPattern {
+    std::vector<std::uint8_t> counts;
+    int cards = 0;
+    std::uint32_t key = 0;
+};
+
+// Every pattern of up to seven cards over `ranks` ranks, at most four of a rank.
+void CollectPatterns(int ranks, std::vector<HalfPattern>& out, HalfPattern& current, int rank) {
+    if (rank == ranks) {
+        out.push_back(current);
+        return;
+    }
+    for (int count = 0; count <= kMaxOfOneRank && current.cards + count <= kMaxCards; ++count) {
+        current.counts[static_cast<std::size_t>(rank)] = static_cast<std::uint8_t>(count);
+        current.cards += count;
+        current.key += static_cast<std::uint32_t>(count) *
+                       hand_layout::kRankKeys[static_cast<std::size_t>(rank)];
+        CollectPatterns(ranks, out, current, rank + 1);
+        current.cards -= count;
+        current.key -= static_cast<std::uint32_t>(count) *
+                       hand_layout::kRankKeys[static_cast<std::size_t>(rank)];
+    }
+    current.counts[static_cast<std::size_t>(rank)] = 0;
+}
+
+std::vector<HalfPattern> PatternsOver(int ranks) {
+    std::vector<HalfPattern> patterns;
+    HalfPattern current;
+    current.counts.assign(static_cast<std::size_t>(ranks), 0);
+    CollectPatterns(ranks, patterns, current, 0);
+    return patterns;
+}
+
+// The evaluator's tables. The dense table is laid out in rows, one per low-half pattern L; a row
+// holds the high-half patterns H with |L| + |H| <= 7. Numbering the high patterns by card count
+// (all empty, then all single cards, ...) makes those exactly the first columns, so a row is
+// as long as it must be and every pattern of up to seven cards has exactly one cell.
+struct Tables {
+    std::vector<std::uint32_t> values;
+    std::vector<std::uint32_t> lowRowStart = std::vector<std::uint32_t>(kLowKeys, 0);
+    std::vector<std::uint16_t> highColumn = std::vector<std::uint16_t>(kHighKeys, 0);
+    std::vector<std::uint32_t> flush = std::vector<std::uint32_t>(kFlushMasks, 0);
+
+    Tables() {
+        const std::vector<HalfPattern> lows = PatternsOver(kLowRanks);
+        std::vector<HalfPattern> highs = PatternsOver(kHighRanks);
+        std::stable_sort(
+            highs.begin(), highs.end(),
+            [](const HalfPattern& a, const HalfPattern& b) { return a.cards < b.cards; });
+
+        // columnsUpTo[n] = number of high patterns with at most n cards.
+        std::vector<std::uint32_t> columnsUpTo(kMaxCards + 1, 0);
+        std::vector<bool> highTaken(kHighKeys, false);
+        for (std::size_t column = 0; column < highs.size(); ++column) {
+            const HalfPattern& high = highs[column];
+            claimKey(highTaken, high.key);
+            highColumn[high.key] = static_cast<std::uint16_t>(column);
+            for (int n = high.cards; n <= kMaxCards; ++n) {
+                ++columnsUpTo[static_cast<std::size_t>(n)];
+            }
+        }
+
+        std::vector<bool> lowTaken(kLowKeys, false);
+        std::uint32_t rowStart = 0;
+        for (const HalfPattern& low : lows) {
+            claimKey(lowTaken, low.key);
+            lowRowStart[low.key] = rowStart;
+            rowStart += columnsUpTo[static_cast<std::size_t>(kMaxCards - low.cards)];
+        }
+        // Room for the largest row start plus the largest column, for out-of-contract keys.
+        values.assign(rowStart + highs.size(), 0);
+
+        RankCounts counts{};
+        for (const HalfPattern& low : lows) {
+            for (const HalfPattern& high : highs) {
+                if (low.cards + high.cards > kMaxCards) {
+                    break;  // sorted by card count: the rest of the row is longer still
+                }
+                for (int rank = 0; rank < kRanks; ++rank) {
+                    const std::size_t at = static_cast<std::size_t>(rank);
+                    counts[at] = rank < kLowRanks ? low.counts[at] : high.counts[at - kLowRanks];
+                }
+                values[lowRowStart[low.key] + highColumn[high.key]] = ValueOfRanks(counts).bits();
+            }
+        }
+
+        for (std::uint32_t mask = 0; mask < kFlushMasks; ++mask) {
+            if (std::popcount(mask) >= 5) {
+                flush[mask] = ValueOfFlush(mask).bits();
+            }
+        }
+    }
+
+    static void claimKey(std::vector<bool>& taken, std::uint32_t key) {
+        if (key >= taken.size() || taken[key]) {
+            throw std::logic_error("hand evaluator: rank keys do not separate the rank patterns");
+        }
+        taken[key] = true;
+    }
+
+    std::size_t bytes() const {
+        return values.size() * sizeof(values[0]) + lowRowStart.size() * sizeof(lowRowStart[0]) +
+               highColumn.size() * sizeof(highColumn[0]) + flush.size() * sizeof(flush[0]);
+    }
+};
+
+const Tables& SharedTables() {
+    static const Tables tables;
+    return tables;
+}
+
+}  // namespace
+
+HandEvaluator::HandEvaluator()
+    : values_(SharedTables().values.data()),
+      lowRowStart_(SharedTables().lowRowStart.data()),
+      highColumn_(SharedTables().highColumn.data()),
+      flush_(SharedTables().flush.data()) {}
+
+std::size_t HandEvaluator::tableBytes() {
+    return SharedTables().bytes();
+}
+
+}  // namespace tavren::holdem
