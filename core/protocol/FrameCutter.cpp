@@ -140,7 +140,11 @@ CutResult FrameCutter::CutProxyReply(std::string_view pending) {
         pending.size() < kProxyStatusOffset + kProxyStatusOk.size()) {
         return {};
     }
-    if (pending.substr(kProxyStatusOffset, kProxyStatusOk.size()) != kProxyStatusOk) {
+    // The status belongs to the first line; a line break before it means no "200" was given.
+    const std::string_view statusLine =
+        pending.substr(0, kProxyStatusOffset + kProxyStatusOk.size());
+    if (statusLine.find('\n') != std::string_view::npos ||
+        statusLine.substr(kProxyStatusOffset) != kProxyStatusOk) {
         return Fail(CutError::kProxyRefused,
                     "Proxy Connections error!\r\n -> Proxy Host Message: " +
                         std::string(pending.substr(0, kMaxProxyReplyLength)));

@@ -192,6 +192,14 @@ TEST(FrameCutterTest, ProxyRefusalIsReportedWithTheProxysText) {
     EXPECT_EQ(result.errorText, "Proxy Connections error!\r\n -> Proxy Host Message: " + reply);
 }
 
+TEST(FrameCutterTest, ProxyStatusMustStandOnTheFirstLine) {
+    // "200" at characters 10-12 but after the end of the header block: no tunnel was granted.
+    FrameCutter cutter;
+    cutter.SetProxyMode(true);
+    cutter.Append("HTTP/\n\r\n 200 OK\n\n");
+    EXPECT_EQ(cutter.Next().error, CutError::kProxyRefused);
+}
+
 TEST(FrameCutterTest, ProxyReplyWithoutEndIsRefusedOnceItOutgrowsTheLimit) {
     FrameCutter cutter;
     cutter.SetProxyMode(true);
