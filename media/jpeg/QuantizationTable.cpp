@@ -9,7 +9,8 @@ namespace tavren::jpeg {
 
 int QuantizationTable::ScaleForQuality(int quality) {
     quality = std::clamp(quality, 1, 100);
-    return quality >= 50 ? 200 - 2 * quality : 5000 / quality;
+    // Below 50 the percentage is 5000 / q rounded to the nearest whole number.
+    return quality >= 50 ? 200 - 2 * quality : (5000 + quality / 2) / quality;
 }
 
 QuantizationTable QuantizationTable::FromBase(const std::array<std::uint16_t, 64>& zigzagBase,

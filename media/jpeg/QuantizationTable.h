@@ -12,8 +12,8 @@ class QuantizationTable {
     explicit QuantizationTable(const std::array<std::uint16_t, 64>& zigzagEntries)
         : entries_(zigzagEntries) {}
 
-    // Quality 1..100 to the percentage the base table is scaled by: 5000 / q below 50,
-    // 200 - 2q from 50 on (so 50 keeps the base values and 100 asks for all ones).
+    // Quality 1..100 to the percentage the base table is scaled by: 5000 / q (rounded) below
+    // 50, 200 - 2q from 50 on (so 100 asks for all ones).
     static int ScaleForQuality(int quality);
 
     // Each entry is (base * scale + 50) / 100 rounded to nearest, then kept within 1..255 so
