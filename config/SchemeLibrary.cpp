@@ -26,9 +26,9 @@ QString SchemeLibrary::safeName(const QString& name) {
             c = QLatin1Char('_');
         }
     }
-    // "." and ".." (or a name of dots only) would name the folder itself or its parent.
-    if (!safe.isEmpty() && safe.count(QLatin1Char('.')) == safe.size()) {
-        safe.fill(QLatin1Char('_'));
+    // Leading dots would hide the file or, as "." and "..", name a folder.
+    for (qsizetype i = 0; i < safe.size() && safe[i] == QLatin1Char('.'); ++i) {
+        safe[i] = QLatin1Char('_');
     }
     return safe;
 }

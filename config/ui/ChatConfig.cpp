@@ -319,9 +319,10 @@ QWidget* ChatConfig::buildSoundsPage() {
         sounds_[std::size_t(slot)] = combo;
         connect(combo, &QComboBox::activated, this,
                 [this, slot](int index) { soundEntryActivated(slot, index); });
-        connect(combo, &QComboBox::editTextChanged, this, [this, slot](const QString& text) {
+        connect(combo, &QComboBox::editTextChanged, this, [this, combo, slot](const QString& text) {
             if (text != SoundSlots::chooseFileText()) {
                 soundValues_[std::size_t(slot)] = text;
+                combo->setToolTip(text);  // a long path does not fit the box
             }
         });
         auto* select = new QPushButton(QStringLiteral("Select Sound..."), rows);
