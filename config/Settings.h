@@ -65,6 +65,7 @@ class Settings : public QObject {
 
     QString dataRoot() const { return dataRoot_; }
     SettingsStore& store() { return store_; }
+    const SettingsStore& store() const { return store_; }
 
     // Drop-down rule for the server and port: a value matching an entry regardless of letter
     // case selects that entry; any other non-empty value is added. Returns the selected text.
