@@ -60,21 +60,30 @@ constexpr Hand HandOfCard(int card) {
             std::uint64_t{1} << (kSuitLaneBits * suit + rankIndex)};
 }
 
-constexpr std::array<Hand, kLastCard + 1> MakeCardHands() {
-    std::array<Hand, kLastCard + 1> hands{};
+template <typename Field>
+constexpr std::array<std::uint64_t, kLastCard + 1> MakeCardTable(Field field) {
+    std::array<std::uint64_t, kLastCard + 1> table{};
     for (int card = kFirstCard; card <= kLastCard; ++card) {
-        hands[static_cast<std::size_t>(card)] = HandOfCard(card);
+        table[static_cast<std::size_t>(card)] = field(HandOfCard(card));
     }
-    return hands;
+    return table;
 }
 
 }  // namespace hand_layout
 
-// Indexed by card number; entry 0 (no card, face down) adds nothing.
-inline constexpr std::array<Hand, kLastCard + 1> kCardHands = hand_layout::MakeCardHands();
+// The two halves of each card's Hand, indexed by card number; entry 0 (no card, face down) adds
+// nothing. Kept as two arrays of eight-byte words so that a card lookup is a single scaled load.
+inline constexpr std::array<std::uint64_t, kLastCard + 1> kCardKeys =
+    hand_layout::MakeCardTable([](const Hand& hand) { return hand.key; });
+inline constexpr std::array<std::uint64_t, kLastCard + 1> kCardSuitRanks =
+    hand_layout::MakeCardTable([](const Hand& hand) { return hand.suitRanks; });
 
 constexpr Hand HandOf(int card) {
-    return IsCardNumber(card) ? kCardHands[static_cast<std::size_t>(card)] : Hand{};
+    if (!IsCardNumber(card)) {
+        return {};
+    }
+    const std::size_t at = static_cast<std::size_t>(card);
+    return {kCardKeys[at], kCardSuitRanks[at]};
 }
 
 }  // namespace tavren::holdem

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 #include "holdem/Hand.h"
 #include "holdem/HandValue.h"
@@ -24,25 +25,32 @@ class HandEvaluator {
     // Value of the best hand the cards make (any 0..7 distinct cards). Precondition: a Hand made
     // of at most seven distinct cards; anything else gives a meaningless but safe value.
     HandValue evaluate(const Hand& hand) const {
-        const std::uint64_t suitCounters = hand.key + kFlushBias;
-        if ((suitCounters & kFlushBits) != 0) [[unlikely]] {
-            return evaluateFlush(suitCounters, hand.suitRanks);
+        if (hasFlush(hand.key)) [[unlikely]] {
+            return flushValue(hand.key, hand.suitRanks);
         }
-        const std::uint64_t low = hand.key & hand_layout::kHalfMask;
-        const std::uint64_t high =
-            (hand.key >> hand_layout::kHighHalfShift) & hand_layout::kHalfMask;
-        return HandValue(values_[lowRowStart_[low] + highColumn_[high]]);
+        return rankPatternValue(hand.key);
     }
 
     // Cards given as numbers 1..52 (0 = not shown). Precondition: numbers 0..52, the nonzero
     // ones distinct, at most seven of them.
     template <typename CardNumber, std::size_t Extent>
     HandValue evaluate(std::span<const CardNumber, Extent> cards) const {
-        Hand hand;
-        for (CardNumber card : cards) {
-            hand += kCardHands[static_cast<std::size_t>(card)];
+        if constexpr (Extent != std::dynamic_extent) {
+            // A fixed count unrolls into straight-line additions, which keeps many deals in
+            // flight at once. The suit lanes are summed only when a flush needs them.
+            const std::uint64_t key = sumOf(kCardKeys, cards, std::make_index_sequence<Extent>{});
+            if (hasFlush(key)) [[unlikely]] {
+                return flushValue(key,
+                                  sumOf(kCardSuitRanks, cards, std::make_index_sequence<Extent>{}));
+            }
+            return rankPatternValue(key);
+        } else {
+            Hand hand;
+            for (CardNumber card : cards) {
+                hand += HandOf(static_cast<int>(card));
+            }
+            return evaluate(hand);
         }
-        return evaluate(hand);
     }
 
     // Bytes taken by the shared tables.
@@ -55,11 +63,27 @@ class HandEvaluator {
     static constexpr std::uint64_t kFlushBits = std::uint64_t{0x8888}
                                                 << hand_layout::kSuitCounterShift;
 
-    HandValue evaluateFlush(std::uint64_t suitCounters, std::uint64_t suitRanks) const {
-        const int flagBit = std::countr_zero(suitCounters & kFlushBits);
-        const int suit = (flagBit - hand_layout::kSuitCounterShift) / 4;
-        const std::uint64_t mask = (suitRanks >> (hand_layout::kSuitLaneBits * suit)) & 0x1FFF;
-        return HandValue(flush_[mask]);
+    static bool hasFlush(std::uint64_t key) { return ((key + kFlushBias) & kFlushBits) != 0; }
+
+    HandValue rankPatternValue(std::uint64_t key) const {
+        const std::uint64_t low = key & hand_layout::kHalfMask;
+        const std::uint64_t high = (key >> hand_layout::kHighHalfShift) & hand_layout::kHalfMask;
+        return HandValue(values_[lowRowStart_[low] + highColumn_[high]]);
+    }
+
+    HandValue flushValue(std::uint64_t key, std::uint64_t suitRanks) const {
+        // The flag of suit s is bit 35 + 4s; that suit's rank lane starts at bit 16s.
+        const unsigned flagBit =
+            static_cast<unsigned>(std::countr_zero((key + kFlushBias) & kFlushBits));
+        const unsigned laneShift = (flagBit - (hand_layout::kSuitCounterShift + 3)) * 4;
+        return HandValue(flush_[(suitRanks >> laneShift) & 0x1FFF]);
+    }
+
+    template <typename CardNumber, std::size_t Extent, std::size_t... Index>
+    static std::uint64_t sumOf(const std::array<std::uint64_t, kLastCard + 1>& table,
+                               std::span<const CardNumber, Extent> cards,
+                               std::index_sequence<Index...>) {
+        return (std::uint64_t{0} + ... + table[static_cast<std::size_t>(cards[Index])]);
     }
 
     const std::uint32_t* values_;
