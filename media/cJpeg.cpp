@@ -5,7 +5,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "media/jpeg/ColorSampler.h"
+#include "media/jpeg/FrameTransformer.h"
 #include "media/jpeg/JpegConstants.h"
 
 namespace tavren {
@@ -45,7 +45,7 @@ void cJpeg::SampleHDC(const cImage& source, int width, int height, int x, int y)
         throw std::out_of_range("SampleHDC: rectangle outside the picture");
     }
     sampled_.Prepare(width, height, sampling_);
-    jpeg::ColorSampler::Sample(source, x, y, sampled_, threads_);
+    jpeg::FrameTransformer::Transform(source, x, y, sampled_, threads_);
 }
 
 void cJpeg::SetComment(std::string comment) {

@@ -12,7 +12,7 @@
 #include "media/jpeg/FrameEncoder.h"
 #include "media/jpeg/OutputBuffer.h"
 #include "media/jpeg/QuantizationTable.h"
-#include "media/jpeg/SampledImage.h"
+#include "media/jpeg/TransformedImage.h"
 
 namespace tavren {
 
@@ -72,7 +72,7 @@ class cJpeg {
     std::vector<jpeg::ComponentSampling> sampling_;
     std::string comment_;
     int threads_ = 1;
-    jpeg::SampledImage sampled_;
+    jpeg::TransformedImage sampled_;  // the sampled picture, already through the DCT
     jpeg::FrameEncoder encoder_;
     jpeg::OutputBuffer output_;
 };

@@ -1,7 +1,3 @@
-#include <algorithm>
-#include <cstring>
-#include <vector>
-
 #include "media/jpeg/ColorConversion.h"
 #include "media/jpeg/ColorSampler.h"
 
@@ -124,63 +120,39 @@ inline void Store8(std::int16_t* to, __m128i values) {
 
 }  // namespace
 
-void ColorSampler::SampleRows420Avx2(const tavren::cImage& source, int left, int top,
-                                     SampledImage& image, int firstRow, int endRow) {
-    const int width = image.Width();
-    const int height = image.Height();
-    const int mcusAcross = image.McusAcross();
-    const int paddedWidth = mcusAcross * 16;
-    const std::size_t rowBytes = 3 * static_cast<std::size_t>(paddedWidth);
-    // Rows whose width is not a whole number of MCUs are copied out and extended first.
-    const bool direct = width == paddedWidth;
-    std::vector<std::uint8_t> extended(direct ? 0 : 2 * rowBytes);
-    auto rowPointer = [&](int line, int slot) -> const std::uint8_t* {
-        const std::uint8_t* row = source.ScanLine(top + std::min(line, height - 1)) + 3 * left;
-        if (direct) {
-            return row;
-        }
-        std::uint8_t* copy = extended.data() + slot * rowBytes;
-        std::memcpy(copy, row, 3 * static_cast<std::size_t>(width));
-        for (int x = width; x < paddedWidth; ++x) {
-            std::memcpy(copy + 3 * x, row + 3 * (width - 1), 3);
-        }
-        return copy;
-    };
-
+void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
     const Shuffles shuffles = MakeShuffles();
     const Weights w = MakeWeights();
-    for (int mcuRow = firstRow; mcuRow < endRow; ++mcuRow) {
-        const std::size_t firstMcu = static_cast<std::size_t>(mcuRow) * mcusAcross;
-        for (int line = 0; line < 16; line += 2) {
-            const std::uint8_t* upper = rowPointer(mcuRow * 16 + line, 0);
-            const std::uint8_t* lower = rowPointer(mcuRow * 16 + line + 1, 1);
-            const int blockRow = line / 8;
-            const int rowInBlock = (line % 8) * 8;
-            for (int mx = 0; mx < mcusAcross; ++mx) {
-                const std::size_t mcu = firstMcu + mx;
-                const PixelWords a = LoadPixels(upper + 48 * mx, shuffles);
-                const PixelWords b = LoadPixels(lower + 48 * mx, shuffles);
+    for (int line = 0; line < 16; line += 2) {
+        const std::uint8_t* upper = ExtendedRow(mcuRow * 16 + line, 0);
+        const std::uint8_t* lower = ExtendedRow(mcuRow * 16 + line + 1, 1);
+        const int blockRow = line / 8;
+        const int rowInBlock = (line % 8) * 8;
+        const int chromaRow = (line / 2) * 8;
+        std::int16_t* mcu = blocks;
+        for (int mx = 0; mx < layout_.McusAcross(); ++mx, mcu += 6 * 64) {
+            const PixelWords a = LoadPixels(upper + 48 * mx, shuffles);
+            const PixelWords b = LoadPixels(lower + 48 * mx, shuffles);
 
-                const __m256i lumaUpper = Luma(a, w);
-                const __m256i lumaLower = Luma(b, w);
-                std::int16_t* left8 = image.McuBlock(mcu, 0, blockRow, 0) + rowInBlock;
-                std::int16_t* right8 = image.McuBlock(mcu, 0, blockRow, 1) + rowInBlock;
-                Store8(left8, _mm256_castsi256_si128(lumaUpper));
-                Store8(right8, _mm256_extracti128_si256(lumaUpper, 1));
-                Store8(left8 + 8, _mm256_castsi256_si128(lumaLower));
-                Store8(right8 + 8, _mm256_extracti128_si256(lumaLower, 1));
+            // Y blocks 0 and 1 are the MCU's top half, 2 and 3 its bottom half.
+            const __m256i lumaUpper = Luma(a, w);
+            const __m256i lumaLower = Luma(b, w);
+            std::int16_t* left8 = mcu + (2 * blockRow) * 64 + rowInBlock;
+            std::int16_t* right8 = left8 + 64;
+            Store8(left8, _mm256_castsi256_si128(lumaUpper));
+            Store8(right8, _mm256_extracti128_si256(lumaUpper, 1));
+            Store8(left8 + 8, _mm256_castsi256_si128(lumaLower));
+            Store8(right8 + 8, _mm256_extracti128_si256(lumaLower, 1));
 
-                const PixelWords sum{_mm256_add_epi16(a.redGreenLow, b.redGreenLow),
-                                     _mm256_add_epi16(a.blueLow, b.blueLow),
-                                     _mm256_add_epi16(a.redGreenHigh, b.redGreenHigh),
-                                     _mm256_add_epi16(a.blueHigh, b.blueHigh)};
-                const __m256i cb = Difference(sum, w.blueRedGreen, w.blueBlue, w);
-                const __m256i cr = Difference(sum, w.redRedGreen, w.redBlue, w);
-                const __m256i both = _mm256_permute4x64_epi64(_mm256_packs_epi32(cb, cr), 0xD8);
-                const int chromaRow = (line / 2) * 8;
-                Store8(image.McuBlock(mcu, 1, 0, 0) + chromaRow, _mm256_castsi256_si128(both));
-                Store8(image.McuBlock(mcu, 2, 0, 0) + chromaRow, _mm256_extracti128_si256(both, 1));
-            }
+            const PixelWords sum{_mm256_add_epi16(a.redGreenLow, b.redGreenLow),
+                                 _mm256_add_epi16(a.blueLow, b.blueLow),
+                                 _mm256_add_epi16(a.redGreenHigh, b.redGreenHigh),
+                                 _mm256_add_epi16(a.blueHigh, b.blueHigh)};
+            const __m256i cb = Difference(sum, w.blueRedGreen, w.blueBlue, w);
+            const __m256i cr = Difference(sum, w.redRedGreen, w.redBlue, w);
+            const __m256i both = _mm256_permute4x64_epi64(_mm256_packs_epi32(cb, cr), 0xD8);
+            Store8(mcu + 4 * 64 + chromaRow, _mm256_castsi256_si128(both));
+            Store8(mcu + 5 * 64 + chromaRow, _mm256_extracti128_si256(both, 1));
         }
     }
 }
@@ -192,9 +164,8 @@ void ColorSampler::SampleRows420Avx2(const tavren::cImage& source, int left, int
 #else
 
 namespace tavren::jpeg {
-void ColorSampler::SampleRows420Avx2(const tavren::cImage& source, int left, int top,
-                                     SampledImage& image, int firstRow, int endRow) {
-    SampleRowsPortable(source, left, top, image, firstRow, endRow);
+void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
+    SampleRowPortable(mcuRow, blocks);
 }
 }  // namespace tavren::jpeg
 

@@ -10,9 +10,9 @@
 
 namespace tavren::jpeg {
 
-// The symbols of baseline entropy coding, for counting and for writing. A block is its 64
-// zig-zag coefficients plus a mask of the non-zero ones, so both passes step from one non-zero
-// coefficient to the next instead of looking at all 63.
+// The symbols of baseline entropy coding, for counting and for writing. A block comes as a
+// mask of its non-zero zig-zag coefficients and the packed non-zero AC values (Quantizer), so
+// both passes step from one non-zero coefficient to the next instead of looking at all 63.
 
 // Bit length of |value|: the "size" category a value is coded under.
 inline int SizeCategory(int value) {
@@ -36,8 +36,9 @@ struct SymbolCounts {
     }
 };
 
-inline void CountAc(const std::int16_t* zigzag, std::uint64_t nonzero,
-                    HuffmanTable::Frequencies& ac) {
+// Counts the AC symbols of one block; returns the position after its values.
+inline const std::int16_t* CountAc(const std::int16_t* values, std::uint64_t nonzero,
+                                   HuffmanTable::Frequencies& ac) {
     nonzero &= ~std::uint64_t{1};
     int last = 0;
     while (nonzero != 0) {
@@ -47,13 +48,14 @@ inline void CountAc(const std::int16_t* zigzag, std::uint64_t nonzero,
             ++ac[kZeroRun16];
             run -= 16;
         }
-        ++ac[(run << 4) | SizeCategory(zigzag[k])];
+        ++ac[(run << 4) | SizeCategory(*values++)];
         last = k;
         nonzero &= nonzero - 1;
     }
     if (last != 63) {
         ++ac[kEndOfBlock];
     }
+    return values;
 }
 
 // A Huffman table laid out for writing: per symbol the code and its length.
@@ -81,8 +83,9 @@ inline void WriteDc(BitWriter& out, const EncodingTable& table, int difference) 
     out.Put(table.code[size] << size | ValueBits(difference, size), table.length[size] + size);
 }
 
-inline void WriteAc(BitWriter& out, const EncodingTable& table, const std::int16_t* zigzag,
-                    std::uint64_t nonzero) {
+// Writes the AC symbols of one block; returns the position after its values.
+inline const std::int16_t* WriteAc(BitWriter& out, const EncodingTable& table,
+                                   const std::int16_t* values, std::uint64_t nonzero) {
     nonzero &= ~std::uint64_t{1};
     int last = 0;
     while (nonzero != 0) {
@@ -92,7 +95,7 @@ inline void WriteAc(BitWriter& out, const EncodingTable& table, const std::int16
             out.Put(table.code[kZeroRun16], table.length[kZeroRun16]);
             run -= 16;
         }
-        const int value = zigzag[k];
+        const int value = *values++;
         const int size = SizeCategory(value);
         const int symbol = (run << 4) | size;
         out.Put(table.code[symbol] << size | ValueBits(value, size), table.length[symbol] + size);
@@ -102,6 +105,7 @@ inline void WriteAc(BitWriter& out, const EncodingTable& table, const std::int16
     if (last != 63) {
         out.Put(table.code[kEndOfBlock], table.length[kEndOfBlock]);
     }
+    return values;
 }
 
 }  // namespace tavren::jpeg

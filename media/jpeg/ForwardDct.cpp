@@ -2,15 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "media/jpeg/AanTransform.h"
 #include "media/jpeg/CpuFeatures.h"
-#include "media/jpeg/JpegConstants.h"
 
 namespace tavren::jpeg {
 
-std::uint64_t ForwardDct::QuantizeBlockScalar(const std::int16_t* samples, const float* multipliers,
-                                              std::int16_t* zigzag) {
+void ForwardDct::TransformScalar(const std::int16_t* samples, std::int16_t* zigzag) {
     const AanConstants<float> k{0.707106781186548f, 0.382683432365091f, 0.541196100146196f,
                                 1.30656296487638f};
     float rows[8][8];  // rows[v][x] after the column pass
@@ -29,22 +28,23 @@ std::uint64_t ForwardDct::QuantizeBlockScalar(const std::int16_t* samples, const
         AanForward(rows[v], k);
         for (int u = 0; u < 8; ++u) {
             const int slot = u * 8 + v;
-            // Round half to even, as the vector conversion does.
-            const long q = std::lrint(rows[v][u] * multipliers[slot]);
-            const long limit = slot == 0 ? kDcLimit : kAcLimit;
-            slots[slot] = static_cast<std::int16_t>(std::clamp(q, -limit, limit));
+            // Round half to even and saturate, as the vector conversion and packing do.
+            const long value = std::lrint(rows[v][u] * kDctOutputScale[slot]);
+            slots[slot] = static_cast<std::int16_t>(
+                std::clamp<long>(value, std::numeric_limits<std::int16_t>::min(),
+                                 std::numeric_limits<std::int16_t>::max()));
         }
     }
-    std::uint64_t nonzero = 0;
     for (int i = 0; i < 64; ++i) {
-        zigzag[i] = slots[OutputSlotOfNatural(kZigzagToNatural[i])];
-        nonzero |= static_cast<std::uint64_t>(zigzag[i] != 0) << i;
+        zigzag[i] = slots[kZigzagSlots[i]];
     }
-    return nonzero;
 }
 
 ForwardDct::Kernel ForwardDct::Best() {
-    return CpuFeatures::HasAvx2() ? &QuantizeBlockAvx2 : &QuantizeBlockScalar;
+    if (CpuFeatures::HasAvx512()) {
+        return &TransformAvx512;
+    }
+    return CpuFeatures::HasAvx2() ? &TransformAvx2 : &TransformScalar;
 }
 
 }  // namespace tavren::jpeg

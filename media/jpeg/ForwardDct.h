@@ -1,36 +1,65 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+
+#include "media/jpeg/JpegConstants.h"
 
 namespace tavren::jpeg {
 
-// The forward DCT with quantisation: one 8x8 block of fixed-point samples in, 64 quantised
-// coefficients in zig-zag order out. The transform is the scaled floating-point method of Arai,
-// Agui and Nakajima, run over the columns first and then over the rows; its output is left
-// transposed (coefficient (row r, column c) in slot c * 8 + r), which is how the vector version
-// naturally produces it, and the quantisation multipliers are laid out to match.
+// The forward DCT of one 8x8 block: fixed-point samples in, the 64 coefficients out in zig-zag
+// order as fixed point with kCoefficientFractionBits, ready for quantisation at any quality.
+// The transform is the scaled floating-point method of Arai, Agui and Nakajima, over the
+// columns first and then over the rows; its scale factors are applied on the way out.
 class ForwardDct {
   public:
-    // Returns a mask with bit k set when zig-zag coefficient k is not zero.
-    using Kernel = std::uint64_t (*)(const std::int16_t* samples, const float* multipliers,
-                                     std::int16_t* zigzag);
+    using Kernel = void (*)(const std::int16_t* samples, std::int16_t* zigzag);
 
+    static constexpr int kCoefficientFractionBits = 4;
+    static constexpr int kCoefficientOne = 1 << kCoefficientFractionBits;
+
+    // The transform leaves coefficient (row r, column c) in slot c * 8 + r: transposed, which is
+    // how the vector version produces it.
     static constexpr int OutputSlotOfNatural(int natural) {
         return (natural % 8) * 8 + natural / 8;
     }
 
-    // Baseline files allow DC values of 11 bits and AC values of 10 bits; results are kept there.
-    static constexpr int kDcLimit = 1023;
-    static constexpr int kAcLimit = 1023;
-
-    static std::uint64_t QuantizeBlockScalar(const std::int16_t* samples, const float* multipliers,
-                                             std::int16_t* zigzag);
-    // Same results as the scalar version, bit for bit; callable only when the CPU has AVX2.
-    static std::uint64_t QuantizeBlockAvx2(const std::int16_t* samples, const float* multipliers,
-                                           std::int16_t* zigzag);
+    static void TransformScalar(const std::int16_t* samples, std::int16_t* zigzag);
+    // The vector versions give the same coefficients as the scalar one, bit for bit; callable
+    // only when the CPU has AVX2 (AVX-512 respectively).
+    static void TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag);
+    static void TransformAvx512(const std::int16_t* samples, std::int16_t* zigzag);
 
     // The fastest kernel this CPU runs.
     static Kernel Best();
 };
+
+namespace detail {
+
+// Per output slot: the transform's scale factors times the change from sample to coefficient
+// fixed point.
+constexpr std::array<float, 64> MakeDctOutputScale() {
+    std::array<float, 64> scale{};
+    for (int natural = 0; natural < 64; ++natural) {
+        scale[ForwardDct::OutputSlotOfNatural(natural)] =
+            static_cast<float>(kDctScaleFactors[natural / 8] * kDctScaleFactors[natural % 8] *
+                               ForwardDct::kCoefficientOne / kSampleOne);
+    }
+    return scale;
+}
+
+// Per zig-zag position, the output slot holding it.
+constexpr std::array<std::uint16_t, 64> MakeZigzagSlots() {
+    std::array<std::uint16_t, 64> slots{};
+    for (int k = 0; k < 64; ++k) {
+        slots[k] = static_cast<std::uint16_t>(ForwardDct::OutputSlotOfNatural(kZigzagToNatural[k]));
+    }
+    return slots;
+}
+
+}  // namespace detail
+
+inline constexpr std::array<float, 64> kDctOutputScale = detail::MakeDctOutputScale();
+inline constexpr std::array<std::uint16_t, 64> kZigzagSlots = detail::MakeZigzagSlots();
 
 }  // namespace tavren::jpeg

@@ -1,10 +1,9 @@
 #include "media/jpeg/FrameEncoder.h"
 
-#include <vector>
+#include <algorithm>
 
-#include "media/jpeg/EntropyCoding.h"
-#include "media/jpeg/ForwardDct.h"
 #include "media/jpeg/JpegSegmentWriter.h"
+#include "media/jpeg/Quantizer.h"
 #include "media/jpeg/SplitWork.h"
 
 namespace tavren::jpeg {
@@ -12,14 +11,6 @@ namespace {
 
 // Below this many blocks a second thread costs more than it saves.
 constexpr long kBlocksWorthASecondThread = 2048;
-
-// What one stripe of the first pass leaves behind: its symbol counts, and the DC values at its
-// two ends so that the differences across stripe borders can be counted afterwards.
-struct StripeResult {
-    SymbolCounts counts;
-    std::array<int, SampledImage::kMaxComponents> firstDc{};
-    std::array<int, SampledImage::kMaxComponents> lastDc{};
-};
 
 // Bits the scan will take with the given tables: each symbol's code plus its value bits.
 std::uint64_t ScanBits(const SymbolCounts& counts, const std::array<HuffmanTable, 2>& dc,
@@ -36,64 +27,98 @@ std::uint64_t ScanBits(const SymbolCounts& counts, const std::array<HuffmanTable
 
 }  // namespace
 
-void FrameEncoder::Encode(const SampledImage& image, const Settings& settings, OutputBuffer& out) {
+void FrameEncoder::QuantizeAndCount(const TransformedImage& image, const Settings& settings) {
     const int blocksPerMcu = image.BlocksPerMcu();
-    const std::size_t blockCount = image.BlockCount();
-    coefficients_.Resize(blockCount * 64);
-    nonzero_.Resize(blockCount);
-
     std::array<std::array<float, 64>, 2> multipliers{};
     for (int t = 0; t < 2; ++t) {
-        multipliers[t] = settings.quantization[t]->TransformMultipliers();
+        multipliers[t] = settings.quantization[t]->QuantizerMultipliers();
     }
-    std::vector<int> tableOfPosition(blocksPerMcu);
-    std::vector<int> componentOfPosition(blocksPerMcu);
-    for (int p = 0; p < blocksPerMcu; ++p) {
-        componentOfPosition[p] = image.ComponentOfMcuBlock(p);
-        tableOfPosition[p] = image.Component(componentOfPosition[p]).table;
-    }
-
-    // First pass: transform, quantise, count.
-    const int threads =
-        static_cast<long>(blockCount) < kBlocksWorthASecondThread ? 1 : settings.threads;
     const long mcuCount = static_cast<long>(image.McuCount());
-    const ForwardDct::Kernel transform = ForwardDct::Best();
-    std::vector<StripeResult> stripes(std::max(1, threads));
+    const int threads = static_cast<long>(image.BlockCount()) < kBlocksWorthASecondThread
+                            ? 1
+                            : std::max(1, settings.threads);
+    stripes_.resize(static_cast<std::size_t>(std::clamp<long>(threads, 1, mcuCount)));
+    const Quantizer::Kernel quantize = Quantizer::Best();
+
     SplitWork(mcuCount, threads, [&](int part, long firstMcu, long endMcu) {
-        StripeResult& result = stripes[part];
-        std::array<int, SampledImage::kMaxComponents> previous{};
-        std::array<bool, SampledImage::kMaxComponents> seen{};
+        Stripe& stripe = stripes_[part];
+        stripe.firstMcu = firstMcu;
+        stripe.endMcu = endMcu;
+        stripe.counts = SymbolCounts{};
+        // Room for every coefficient; only what is used gets touched.
+        stripe.values.Resize(static_cast<std::size_t>(endMcu - firstMcu) * blocksPerMcu * 64);
+        std::int16_t* values = stripe.values.Data();
+        std::array<int, TransformedImage::kMaxComponents> previous{};
+        std::array<bool, TransformedImage::kMaxComponents> seen{};
         if (firstMcu == 0) {
             seen.fill(true);  // the first block's DC is coded against 0
         }
+        std::size_t block = static_cast<std::size_t>(firstMcu) * blocksPerMcu;
         for (long mcu = firstMcu; mcu < endMcu; ++mcu) {
-            for (int p = 0; p < blocksPerMcu; ++p) {
-                const std::size_t block = static_cast<std::size_t>(mcu) * blocksPerMcu + p;
-                const int table = tableOfPosition[p];
-                const int component = componentOfPosition[p];
-                std::int16_t* zigzag = coefficients_.Data() + block * 64;
+            for (int p = 0; p < blocksPerMcu; ++p, ++block) {
+                const int table = tableOfPosition_[p];
+                const int component = componentOfPosition_[p];
                 const std::uint64_t nonzero =
-                    transform(image.Block(block), multipliers[table].data(), zigzag);
+                    quantize(image.Block(block), multipliers[table].data(), values);
                 nonzero_[block] = nonzero;
-                const int dc = zigzag[0];
+                const int dc = values[0];
                 if (seen[component]) {
-                    ++result.counts.dc[table][SizeCategory(dc - previous[component])];
+                    ++stripe.counts.dc[table][SizeCategory(dc - previous[component])];
                 } else {
                     seen[component] = true;
-                    result.firstDc[component] = dc;
+                    stripe.firstDc[component] = dc;
                 }
                 previous[component] = dc;
-                CountAc(zigzag, nonzero, result.counts.ac[table]);
+                values = const_cast<std::int16_t*>(
+                    CountAc(values + 1, nonzero, stripe.counts.ac[table]));
             }
         }
-        result.lastDc = previous;
+        stripe.lastDc = previous;
     });
-    SymbolCounts counts = stripes[0].counts;
-    for (std::size_t s = 1; s < stripes.size(); ++s) {
-        counts.Add(stripes[s].counts);
+}
+
+void FrameEncoder::WriteScan(const TransformedImage& image, int tables, OutputBuffer& out) {
+    const int blocksPerMcu = image.BlocksPerMcu();
+    const std::array<EncodingTable, 2> dc{EncodingTable(dcTables_[0]),
+                                          EncodingTable(dcTables_[tables - 1])};
+    const std::array<EncodingTable, 2> ac{EncodingTable(acTables_[0]),
+                                          EncodingTable(acTables_[tables - 1])};
+    std::array<int, TransformedImage::kMaxComponents> previous{};
+    BitWriter bits(out.Cursor());
+    for (const Stripe& stripe : stripes_) {
+        const std::int16_t* values = stripe.values.Data();
+        std::size_t block = static_cast<std::size_t>(stripe.firstMcu) * blocksPerMcu;
+        for (long mcu = stripe.firstMcu; mcu < stripe.endMcu; ++mcu) {
+            for (int p = 0; p < blocksPerMcu; ++p, ++block) {
+                const int table = tableOfPosition_[p];
+                const int component = componentOfPosition_[p];
+                WriteDc(bits, dc[table], values[0] - previous[component]);
+                previous[component] = values[0];
+                values = WriteAc(bits, ac[table], values + 1, nonzero_[block]);
+            }
+        }
+    }
+    out.Advance(static_cast<std::size_t>(bits.Finish() - out.Cursor()));
+}
+
+void FrameEncoder::Encode(const TransformedImage& image, const Settings& settings,
+                          OutputBuffer& out) {
+    const int blocksPerMcu = image.BlocksPerMcu();
+    tableOfPosition_.resize(blocksPerMcu);
+    componentOfPosition_.resize(blocksPerMcu);
+    for (int p = 0; p < blocksPerMcu; ++p) {
+        componentOfPosition_[p] = image.ComponentOfMcuBlock(p);
+        tableOfPosition_[p] = image.Component(componentOfPosition_[p]).table;
+    }
+    nonzero_.Resize(image.BlockCount());
+
+    QuantizeAndCount(image, settings);
+    SymbolCounts counts = stripes_[0].counts;
+    for (std::size_t s = 1; s < stripes_.size(); ++s) {
+        counts.Add(stripes_[s].counts);
         for (int c = 0; c < image.ComponentCount(); ++c) {
             const int table = image.Component(c).table;
-            ++counts.dc[table][SizeCategory(stripes[s].firstDc[c] - stripes[s - 1].lastDc[c])];
+            ++counts.dc[table][SizeCategory(stripes_[s].firstDc[c] - stripes_[s - 1].lastDc[c])];
         }
     }
 
@@ -107,8 +132,9 @@ void FrameEncoder::Encode(const SampledImage& image, const Settings& settings, O
     // the counted scan length (plus a stuffed byte for every byte at worst) needs it.
     const std::uint64_t scanBytes = ScanBits(counts, dcTables_, acTables_, tables) / 8 + 1;
     const std::size_t headerBytes = 2048 + settings.comment.size() + settings.identification.size();
-    const auto estimate = static_cast<std::size_t>(1.3 * static_cast<double>(blockCount * 64)) +
-                          1000 + settings.comment.size();
+    const auto estimate =
+        static_cast<std::size_t>(1.3 * static_cast<double>(image.BlockCount() * 64)) + 1000 +
+        settings.comment.size();
     out.Reset(std::max<std::size_t>(estimate, headerBytes + 2 * scanBytes + 64));
 
     JpegSegmentWriter segments(out);
@@ -127,25 +153,7 @@ void FrameEncoder::Encode(const SampledImage& image, const Settings& settings, O
         segments.HuffmanTable(JpegSegmentWriter::TableClass::kAc, t, acTables_[t]);
     }
     segments.ScanHeader(image);
-
-    // Second pass: the scan.
-    const std::array<EncodingTable, 2> dc{EncodingTable(dcTables_[0]),
-                                          EncodingTable(dcTables_[tables - 1])};
-    const std::array<EncodingTable, 2> ac{EncodingTable(acTables_[0]),
-                                          EncodingTable(acTables_[tables - 1])};
-    std::array<int, SampledImage::kMaxComponents> previous{};
-    BitWriter bits(out.Cursor());
-    for (std::size_t block = 0; block < blockCount; block += blocksPerMcu) {
-        for (int p = 0; p < blocksPerMcu; ++p) {
-            const int table = tableOfPosition[p];
-            const int component = componentOfPosition[p];
-            const std::int16_t* zigzag = coefficients_.Data() + (block + p) * 64;
-            WriteDc(bits, dc[table], zigzag[0] - previous[component]);
-            previous[component] = zigzag[0];
-            WriteAc(bits, ac[table], zigzag, nonzero_[block + p]);
-        }
-    }
-    out.Advance(static_cast<std::size_t>(bits.Finish() - out.Cursor()));
+    WriteScan(image, tables, out);
     segments.EndOfImage();
 }
 

@@ -2,19 +2,22 @@
 
 #include <array>
 #include <string_view>
+#include <vector>
 
 #include "media/jpeg/AlignedBuffer.h"
+#include "media/jpeg/EntropyCoding.h"
 #include "media/jpeg/HuffmanTable.h"
 #include "media/jpeg/OutputBuffer.h"
 #include "media/jpeg/QuantizationTable.h"
-#include "media/jpeg/SampledImage.h"
+#include "media/jpeg/TransformedImage.h"
 
 namespace tavren::jpeg {
 
-// Encodes sampled blocks into a complete baseline JFIF file. The first pass transforms and
-// quantises every block once, keeps the coefficients and counts the symbols they will need;
-// Huffman tables made for exactly those counts then drive the second pass, which writes the
-// scan from the kept coefficients. The first pass runs on several threads by stripes of MCUs.
+// Encodes transformed blocks into a complete baseline JFIF file. The first pass quantises every
+// block once, keeps only what the scan needs (a mask of non-zero coefficients and their values)
+// and counts the symbols; Huffman tables made for exactly those counts then drive the second
+// pass, which writes the scan from what the first kept. The first pass runs on several threads
+// by stripes of MCUs.
 class FrameEncoder {
   public:
     struct Settings {
@@ -24,17 +27,33 @@ class FrameEncoder {
         int threads = 1;
     };
 
-    void Encode(const SampledImage& image, const Settings& settings, OutputBuffer& out);
+    void Encode(const TransformedImage& image, const Settings& settings, OutputBuffer& out);
 
     // The tables of the last encoding: [0] luminance, [1] chrominance.
     const HuffmanTable& DcTable(int slot) const { return dcTables_[slot]; }
     const HuffmanTable& AcTable(int slot) const { return acTables_[slot]; }
 
   private:
+    // What the first pass leaves for one stripe of MCUs.
+    struct Stripe {
+        long firstMcu = 0;
+        long endMcu = 0;
+        SymbolCounts counts;
+        // DC values at the stripe's two ends, for the differences across stripe borders.
+        std::array<int, TransformedImage::kMaxComponents> firstDc{};
+        std::array<int, TransformedImage::kMaxComponents> lastDc{};
+        AlignedBuffer<std::int16_t> values;  // per block: DC, then the non-zero AC values
+    };
+
+    void QuantizeAndCount(const TransformedImage& image, const Settings& settings);
+    void WriteScan(const TransformedImage& image, int tables, OutputBuffer& out);
+
     std::array<HuffmanTable, 2> dcTables_;
     std::array<HuffmanTable, 2> acTables_;
-    AlignedBuffer<std::int16_t> coefficients_;
-    AlignedBuffer<std::uint64_t> nonzero_;
+    std::vector<Stripe> stripes_;
+    AlignedBuffer<std::uint64_t> nonzero_;  // per block
+    std::vector<int> tableOfPosition_;      // per block position of an MCU
+    std::vector<int> componentOfPosition_;
 };
 
 }  // namespace tavren::jpeg

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "media/jpeg/ForwardDct.h"
-#include "media/jpeg/JpegConstants.h"
 
 namespace tavren::jpeg {
 
@@ -26,17 +25,10 @@ QuantizationTable QuantizationTable::FromBase(const std::array<std::uint16_t, 64
     return QuantizationTable(entries);
 }
 
-std::array<float, 64> QuantizationTable::TransformMultipliers() const {
+std::array<float, 64> QuantizationTable::QuantizerMultipliers() const {
     std::array<float, 64> multipliers{};
     for (int k = 0; k < 64; ++k) {
-        const int natural = kZigzagToNatural[k];
-        const int row = natural / 8;
-        const int column = natural % 8;
-        // The transform's output for (row, column) is the true coefficient divided by both
-        // scale factors, and samples carry kSampleOne steps per unit.
-        const double divisor =
-            entries_[k] * kSampleOne / (kDctScaleFactors[row] * kDctScaleFactors[column]);
-        multipliers[ForwardDct::OutputSlotOfNatural(natural)] = static_cast<float>(1.0 / divisor);
+        multipliers[k] = static_cast<float>(1.0 / (entries_[k] * ForwardDct::kCoefficientOne));
     }
     return multipliers;
 }

@@ -23,10 +23,9 @@ class QuantizationTable {
     std::uint16_t operator[](int zigzagIndex) const { return entries_[zigzagIndex]; }
     const std::array<std::uint16_t, 64>& Entries() const { return entries_; }
 
-    // The multipliers the transform output is quantised with, in the order the transform
-    // leaves its output (see ForwardDct), with the transform's scale factors and the samples'
-    // fixed-point scale folded in.
-    std::array<float, 64> TransformMultipliers() const;
+    // What the transform's coefficients (ForwardDct's fixed point, zig-zag order) are
+    // multiplied by to quantise them: one over the divisor and the fixed-point unit.
+    std::array<float, 64> QuantizerMultipliers() const;
 
   private:
     std::array<std::uint16_t, 64> entries_;

@@ -3,7 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <bit>
+#include <cmath>
 #include <random>
 
 #include "media/cJpeg.h"
@@ -13,6 +14,7 @@
 #include "media/jpeg/ForwardDct.h"
 #include "media/jpeg/JpegConstants.h"
 #include "media/jpeg/QuantizationTable.h"
+#include "media/jpeg/Quantizer.h"
 #include "media/support/TestPictures.h"
 
 using namespace tavren;
@@ -26,9 +28,58 @@ class VectorUnitsOff {
     ~VectorUnitsOff() { CpuFeatures::AllowVectorUnits(true); }
 };
 
-std::vector<std::int16_t> AllSamples(const SampledImage& image) {
-    const std::int16_t* first = const_cast<SampledImage&>(image).Block(0);
-    return {first, first + image.BlockCount() * 64};
+// Blocks of samples of several kinds: full-range noise, black/white checkerboards (the largest
+// coefficients there are), ramps, flat.
+std::vector<std::array<std::int16_t, 64>> SampleBlocks() {
+    std::mt19937 random(11);
+    std::vector<std::array<std::int16_t, 64>> blocks;
+    for (int trial = 0; trial < 4000; ++trial) {
+        std::array<std::int16_t, 64> samples{};
+        const int kind = trial % 4;
+        for (int i = 0; i < 64; ++i) {
+            const int extreme = ((i / 8 + i % 8) % 2) ? 2040 : 0;
+            const int value = kind == 0   ? static_cast<int>(random() % 2041)
+                              : kind == 1 ? extreme
+                              : kind == 2 ? (i % 8) * 255 + static_cast<int>(random() % 5)
+                                          : 777;
+            samples[i] = static_cast<std::int16_t>(value - kLumaOffset);
+        }
+        blocks.push_back(samples);
+    }
+    return blocks;
+}
+
+std::vector<std::int16_t> Transformed(ForwardDct::Kernel transform,
+                                      const std::array<std::int16_t, 64>& samples) {
+    std::vector<std::int16_t> zigzag(64);
+    transform(samples.data(), zigzag.data());
+    return zigzag;
+}
+
+struct Quantized {
+    std::uint64_t nonzero;
+    std::vector<std::int16_t> packed;
+    bool operator==(const Quantized&) const = default;
+};
+
+Quantized QuantizedWith(Quantizer::Kernel quantize, const std::vector<std::int16_t>& coefficients,
+                        const std::array<float, 64>& multipliers) {
+    Quantized q{0, std::vector<std::int16_t>(64)};
+    q.nonzero = quantize(coefficients.data(), multipliers.data(), q.packed.data());
+    q.packed.resize(static_cast<std::size_t>(std::popcount(q.nonzero | 1)));
+    return q;
+}
+
+std::vector<std::int16_t> SampledRow(ColorSampler& sampler, const TransformedImage& layout, int row,
+                                     bool vector) {
+    std::vector<std::int16_t> blocks(static_cast<std::size_t>(layout.McusAcross()) *
+                                     layout.BlocksPerMcu() * 64);
+    if (vector) {
+        sampler.SampleRow420Avx2(row, blocks.data());
+    } else {
+        sampler.SampleRowPortable(row, blocks.data());
+    }
+    return blocks;
 }
 
 }  // namespace
@@ -37,57 +88,73 @@ TEST(ForwardDct, VectorAndScalarAgreeBitForBit) {
     if (!CpuFeatures::HasAvx2()) {
         GTEST_SKIP() << "no AVX2 on this machine";
     }
-    std::mt19937 random(11);
-    for (int quality : {1, 50, 65, 100}) {
-        const auto multipliers =
-            QuantizationTable::FromBase(kLuminanceBase, quality).TransformMultipliers();
-        for (int trial = 0; trial < 2000; ++trial) {
-            alignas(32) std::int16_t samples[64];
-            const int kind = trial % 4;
-            for (int i = 0; i < 64; ++i) {
-                // Full range noise, extremes (black/white checkerboards), smooth ramps, flat.
-                const int extreme = ((i / 8 + i % 8) % 2) ? 2040 : 0;
-                const int value = kind == 0   ? static_cast<int>(random() % 2041)
-                                  : kind == 1 ? extreme
-                                  : kind == 2 ? (i % 8) * 255 + static_cast<int>(random() % 5)
-                                              : 777;
-                samples[i] = static_cast<std::int16_t>(value - kLumaOffset);
-            }
-            std::int16_t scalar[64];
-            std::int16_t vector[64];
-            const std::uint64_t scalarMask =
-                ForwardDct::QuantizeBlockScalar(samples, multipliers.data(), scalar);
-            const std::uint64_t vectorMask =
-                ForwardDct::QuantizeBlockAvx2(samples, multipliers.data(), vector);
-            ASSERT_EQ(0, std::memcmp(scalar, vector, sizeof scalar)) << quality << "/" << trial;
-            ASSERT_EQ(scalarMask, vectorMask);
-            for (int k = 0; k < 64; ++k) {
-                ASSERT_EQ((scalarMask >> k & 1) != 0, scalar[k] != 0);
-                ASSERT_LE(std::abs(scalar[k]), 1023);
-            }
+    for (const auto& samples : SampleBlocks()) {
+        const std::vector<std::int16_t> scalar = Transformed(&ForwardDct::TransformScalar, samples);
+        ASSERT_EQ(scalar, Transformed(&ForwardDct::TransformAvx2, samples));
+        if (CpuFeatures::HasAvx512()) {
+            ASSERT_EQ(scalar, Transformed(&ForwardDct::TransformAvx512, samples));
         }
     }
 }
 
-TEST(ForwardDct, FlatBlockHasOnlyTheDcTerm) {
-    const auto multipliers =
-        QuantizationTable::FromBase(kLuminanceBase, 100).TransformMultipliers();
-    std::int16_t samples[64];
-    std::fill(std::begin(samples), std::end(samples), static_cast<std::int16_t>(100 * kSampleOne));
+TEST(Quantizer, VectorAndScalarAgreeAndPackTheNonZeroValues) {
+    if (!CpuFeatures::HasAvx2()) {
+        GTEST_SKIP() << "no AVX2 on this machine";
+    }
+    std::mt19937 random(5);
+    for (int quality : {1, 50, 65, 100}) {
+        const auto multipliers =
+            QuantizationTable::FromBase(kLuminanceBase, quality).QuantizerMultipliers();
+        for (const auto& samples : SampleBlocks()) {
+            std::vector<std::int16_t> coefficients = Transformed(ForwardDct::Best(), samples);
+            if (random() % 8 == 0) {
+                coefficients[63] = 32767;  // beyond any real block: must still be limited
+                coefficients[0] = -32768;
+            }
+            const Quantized scalar =
+                QuantizedWith(&Quantizer::QuantizeScalar, coefficients, multipliers);
+            ASSERT_EQ(scalar, QuantizedWith(&Quantizer::QuantizeAvx2, coefficients, multipliers));
+            if (CpuFeatures::HasAvx512()) {
+                ASSERT_EQ(scalar,
+                          QuantizedWith(&Quantizer::QuantizeAvx512, coefficients, multipliers));
+            }
+            std::size_t next = 1;
+            for (int k = 1; k < 64; ++k) {
+                if (scalar.nonzero >> k & 1) {
+                    ASSERT_NE(scalar.packed[next], 0);
+                    ASSERT_LE(std::abs(scalar.packed[next]), 1023);
+                    ++next;
+                }
+            }
+            ASSERT_EQ(next, scalar.packed.size());
+            ASSERT_LE(std::abs(scalar.packed[0]), 1023);
+        }
+    }
+}
+
+TEST(ForwardDct, FlatBlockHasOnlyTheDcTermAndACosineOnlyItsOwn) {
+    std::array<std::int16_t, 64> samples{};
+    samples.fill(static_cast<std::int16_t>(100 * kSampleOne));
     std::int16_t zigzag[64];
-    EXPECT_EQ(ForwardDct::Best()(samples, multipliers.data(), zigzag), 1u);
-    EXPECT_EQ(zigzag[0], 800);  // DC = 8 x mean level at divisor 1
-    // A horizontal cosine of frequency 1 lands in zig-zag position 1 only (at a quality where
-    // the rounding of the samples cannot show).
-    const auto coarser = QuantizationTable::FromBase(kLuminanceBase, 50).TransformMultipliers();
+    ForwardDct::Best()(samples.data(), zigzag);
+    // DC = 8 x the mean level, in the coefficients' fixed point.
+    EXPECT_EQ(zigzag[0], 800 * ForwardDct::kCoefficientOne);
+    for (int k = 1; k < 64; ++k) {
+        EXPECT_EQ(zigzag[k], 0) << k;
+    }
+    // A horizontal cosine of frequency 1 (amplitude 100) lands in zig-zag position 1 only:
+    // 100 * 4 * sqrt(2) = 565.7, which quality 50's divisor 12 (11 rounded up) makes 47.
     for (int y = 0; y < 8; ++y) {
         for (int x = 0; x < 8; ++x) {
             samples[y * 8 + x] = static_cast<std::int16_t>(
                 std::lround(100 * kSampleOne * std::cos((2 * x + 1) * 3.14159265358979 / 16)));
         }
     }
-    EXPECT_EQ(ForwardDct::Best()(samples, coarser.data(), zigzag), 0b10u);
-    EXPECT_EQ(zigzag[1], 47);  // 565.7 / 12
+    ForwardDct::Best()(samples.data(), zigzag);
+    const auto multipliers = QuantizationTable::FromBase(kLuminanceBase, 50).QuantizerMultipliers();
+    std::int16_t packed[64];
+    EXPECT_EQ(Quantizer::Best()(zigzag, multipliers.data(), packed), 0b10u);
+    EXPECT_EQ(packed[1], 47);
 }
 
 TEST(ColorSampler, VectorAndPortable420AgreeAtAnySizeAndOffset) {
@@ -102,13 +169,14 @@ TEST(ColorSampler, VectorAndPortable420AgreeAtAnySizeAndOffset) {
                                                                                   {64, 48, 16, 2},
                                                                                   {79, 49, 1, 1},
                                                                                   {80, 50, 0, 0}}) {
-        SampledImage portable;
-        SampledImage vector;
-        portable.Prepare(width, height, sampling);
-        vector.Prepare(width, height, sampling);
-        ColorSampler::SampleRowsPortable(source, left, top, portable, 0, portable.McusDown());
-        ColorSampler::SampleRows420Avx2(source, left, top, vector, 0, vector.McusDown());
-        EXPECT_EQ(AllSamples(portable), AllSamples(vector)) << width << "x" << height;
+        TransformedImage layout;
+        layout.Prepare(width, height, sampling);
+        ColorSampler sampler(source, left, top, layout);
+        for (int row = 0; row < layout.McusDown(); ++row) {
+            EXPECT_EQ(SampledRow(sampler, layout, row, false),
+                      SampledRow(sampler, layout, row, true))
+                << width << "x" << height << " row " << row;
+        }
     }
 }
 
@@ -122,10 +190,10 @@ TEST(ColorSampler, ConvertsAveragesAndRepeatsTheEdges) {
     source.SetPixel(1, 1, 0, 0, 0);
     source.SetPixel(2, 1, 128, 128, 128);
 
-    SampledImage grey;
+    TransformedImage grey;
     grey.Prepare(3, 2, {{1, 1, 0}});
-    ColorSampler::Sample(source, 0, 0, grey, 1);
-    const std::int16_t* y = grey.Block(0);
+    ColorSampler greySampler(source, 0, 0, grey);
+    const std::vector<std::int16_t> y = SampledRow(greySampler, grey, 0, false);
     auto level = [](double luma) { return static_cast<int>(std::lround(luma * 8)) - 1024; };
     EXPECT_EQ(y[0], level(0.299 * 255));
     EXPECT_EQ(y[1], level(0.587 * 255));
@@ -136,20 +204,20 @@ TEST(ColorSampler, ConvertsAveragesAndRepeatsTheEdges) {
     for (int row = 0; row < 8; ++row) {
         for (int column = 0; column < 8; ++column) {
             // Past the picture the last column and then the last row repeat.
-            const int sourceRow = std::min(row, 1);
-            const int sourceColumn = std::min(column, 2);
-            EXPECT_EQ(y[row * 8 + column], y[sourceRow * 8 + sourceColumn]) << row << "," << column;
+            EXPECT_EQ(y[row * 8 + column], y[std::min(row, 1) * 8 + std::min(column, 2)])
+                << row << "," << column;
         }
     }
 
-    SampledImage colour;
+    TransformedImage colour;
     colour.Prepare(3, 2, {{2, 2, 0}, {1, 1, 1}, {1, 1, 1}});
-    ColorSampler::Sample(source, 0, 0, colour, 1);
+    ColorSampler colourSampler(source, 0, 0, colour);
+    const std::vector<std::int16_t> blocks = SampledRow(colourSampler, colour, 0, false);
     // The first chroma sample averages red, green, white and black: R = G = 127.5, B = 63.75.
     const double cb = -0.16874 * 127.5 - 0.33126 * 127.5 + 0.5 * 63.75;
     const double cr = 0.5 * 127.5 - 0.41869 * 127.5 - 0.08131 * 63.75;
-    EXPECT_NEAR(colour.McuBlock(0, 1, 0, 0)[0], cb * 8, 0.6);
-    EXPECT_NEAR(colour.McuBlock(0, 2, 0, 0)[0], cr * 8, 0.6);
+    EXPECT_NEAR(blocks[4 * 64], cb * 8, 0.6);
+    EXPECT_NEAR(blocks[5 * 64], cr * 8, 0.6);
 }
 
 TEST(cJpegParity, FileIsTheSameWithAndWithoutVectorUnitsAndThreads) {

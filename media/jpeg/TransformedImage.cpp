@@ -1,12 +1,12 @@
-#include "media/jpeg/SampledImage.h"
+#include "media/jpeg/TransformedImage.h"
 
 #include <algorithm>
 #include <stdexcept>
 
 namespace tavren::jpeg {
 
-void SampledImage::Prepare(int width, int height,
-                           const std::vector<ComponentSampling>& components) {
+void TransformedImage::Prepare(int width, int height,
+                               const std::vector<ComponentSampling>& components) {
     if (width < 1 || height < 1 || width > 65535 || height > 65535) {
         throw std::out_of_range("picture size outside 1..65535");
     }
@@ -30,7 +30,7 @@ void SampledImage::Prepare(int width, int height,
         const int blocks = components_[c].horizontal * components_[c].vertical;
         mcuBlockComponent_.insert(mcuBlockComponent_.end(), blocks, static_cast<std::uint8_t>(c));
     }
-    samples_.Resize(BlockCount() * 64);
+    blocks_.Resize(BlockCount() * 64);
 }
 
 }  // namespace tavren::jpeg

@@ -17,15 +17,17 @@ struct ComponentSampling {
     int table = 0;
 };
 
-// The picture after colour conversion and sub-sampling: 8x8 blocks of level-shifted fixed-point
-// samples stored in the order the scan codes them (MCU by MCU, and inside an MCU component by
-// component, each component's blocks row by row), so every later pass is one linear sweep.
-class SampledImage {
+// The sampled picture, held as the 8x8 blocks the file is made of, each block already through
+// the DCT (quality does not enter until quantisation) and stored as 64 fixed-point coefficients
+// in zig-zag order. Blocks are kept in the order the scan codes them (MCU by MCU, inside an MCU
+// component by component, each component's blocks row by row), so the encoder's passes are
+// linear sweeps.
+class TransformedImage {
   public:
     static constexpr int kMaxComponents = 3;
 
-    // Sets the geometry and sizes the block storage; the samples themselves are left to the
-    // sampler. Width and height are 1..65535.
+    // Sets the geometry and sizes the block storage; the coefficients themselves are left to
+    // the caller. Width and height are 1..65535.
     void Prepare(int width, int height, const std::vector<ComponentSampling>& components);
 
     bool Empty() const { return width_ == 0; }
@@ -48,13 +50,8 @@ class SampledImage {
     // The component each block position of an MCU belongs to.
     int ComponentOfMcuBlock(int position) const { return mcuBlockComponent_[position]; }
 
-    std::int16_t* Block(std::size_t index) { return samples_.Data() + index * 64; }
-    const std::int16_t* Block(std::size_t index) const { return samples_.Data() + index * 64; }
-    // The block at (row, column) of a component's blocks inside one MCU.
-    std::int16_t* McuBlock(std::size_t mcu, int component, int row, int column) {
-        return Block(mcu * BlocksPerMcu() + firstBlock_[component] +
-                     row * components_[component].horizontal + column);
-    }
+    std::int16_t* Block(std::size_t index) { return blocks_.Data() + index * 64; }
+    const std::int16_t* Block(std::size_t index) const { return blocks_.Data() + index * 64; }
 
   private:
     int width_ = 0;
@@ -66,7 +63,7 @@ class SampledImage {
     int mcusDown_ = 0;
     std::array<int, kMaxComponents> firstBlock_{};
     std::vector<std::uint8_t> mcuBlockComponent_;
-    AlignedBuffer<std::int16_t> samples_;
+    AlignedBuffer<std::int16_t> blocks_;
 };
 
 }  // namespace tavren::jpeg
