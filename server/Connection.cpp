@@ -103,6 +103,7 @@ void Connection::finish(std::string_view reason) {
     }
     finishing_ = true;
     Log::info("closing " + peerAddress_ + ": " + std::string(reason));
+    handler_.disconnected();
     writeSignal_.cancel_one();
     deadline_.expires_after(kFinishGrace);
 }
@@ -110,7 +111,7 @@ void Connection::finish(std::string_view reason) {
 asio::awaitable<void> Connection::readLoop() {
     auto self = shared_from_this();
     std::array<char, 8192> buffer;
-    while (!stopped_ && !finishing_) {
+    while (!stopped_) {
         const auto [error, count] =
             co_await socket_.async_read_some(asio::buffer(buffer), kAwaitResult);
         if (stopped_) {
@@ -120,33 +121,44 @@ asio::awaitable<void> Connection::readLoop() {
             stop(error == asio::error::eof ? "closed by the client" : error.message());
             co_return;
         }
-        cutter_.Append(std::string_view(buffer.data(), count));
-        for (;;) {
-            protocol::CutResult cut = cutter_.Next();
-            if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
-                break;
-            }
-            if (cut.kind == protocol::CutResult::Kind::kError) {
-                // The stream has lost its frame boundary; nothing after this point can be trusted.
-                Log::warn("bad frame from " + peerAddress_ + ": " + cut.errorText);
-                stop("bad frame");
-                co_return;
-            }
-            if (cut.kind != protocol::CutResult::Kind::kFrame) {
-                continue;
-            }
-            if (!co_await pace()) {
-                co_return;
-            }
-            if (cut.frame.code == protocol::client_to_server::kPong) {
-                unansweredPings_ = 0;
-                continue;
-            }
-            co_await handler_.handle(std::move(cut.frame));
-            if (stopped_ || finishing_) {
-                co_return;
-            }
+        if (finishing_) {
+            // Closing: what the client still sends is read and thrown away, so that our close
+            // ends with a FIN; closing on unread bytes would send a reset, and a reset may
+            // discard the last notice before the client has read it.
+            continue;
         }
+        cutter_.Append(std::string_view(buffer.data(), count));
+        // While frames are being handled the client's "Pong"s wait behind them unread; the
+        // pinger must not blame the client for that.
+        readerBusy_ = true;
+        co_await handleBufferedFrames();
+        readerBusy_ = false;
+    }
+}
+
+asio::awaitable<void> Connection::handleBufferedFrames() {
+    while (!stopped_ && !finishing_) {
+        protocol::CutResult cut = cutter_.Next();
+        if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+            co_return;
+        }
+        if (cut.kind == protocol::CutResult::Kind::kError) {
+            // The stream has lost its frame boundary; nothing after this point can be trusted.
+            Log::warn("bad frame from " + peerAddress_ + ": " + cut.errorText);
+            stop("bad frame");
+            co_return;
+        }
+        if (cut.kind != protocol::CutResult::Kind::kFrame) {
+            continue;
+        }
+        if (!co_await pace()) {
+            co_return;  // dropped for flooding, or stopped while waiting
+        }
+        if (cut.frame.code == protocol::client_to_server::kPong) {
+            unansweredPings_ = 0;
+            continue;
+        }
+        co_await handler_.handle(std::move(cut.frame));
     }
 }
 
@@ -170,7 +182,10 @@ asio::awaitable<void> Connection::writeLoop() {
     while (!stopped_) {
         if (queue_.empty()) {
             if (finishing_) {
-                stop("finished");
+                // Everything is written: say so, and let the client close its end (the reader
+                // notices) or the grace period run out.
+                asio::error_code ignored;
+                socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
                 co_return;
             }
             writeSignal_.expires_at(asio::steady_timer::time_point::max());
@@ -197,6 +212,10 @@ asio::awaitable<void> Connection::pingLoop() {
         co_await pingTimer_.async_wait(kAwaitResult);
         if (stopped_ || finishing_) {
             co_return;
+        }
+        if (readerBusy_) {
+            send(protocol::server_to_client::kPing, replies::kPing);
+            continue;
         }
         if (unansweredPings_ >= context_.config.pingMisses) {
             stop("no answer to " + std::to_string(unansweredPings_) + " pings");

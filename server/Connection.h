@@ -36,6 +36,7 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
 
   private:
     asio::awaitable<void> readLoop();
+    asio::awaitable<void> handleBufferedFrames();
     asio::awaitable<void> writeLoop();
     asio::awaitable<void> pingLoop();
     asio::awaitable<void> deadlineLoop();
@@ -56,6 +57,7 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     FrameRateLimiter rateLimiter_;
     SessionHandler handler_;
     int unansweredPings_ = 0;
+    bool readerBusy_ = false;
     bool finishing_ = false;
     bool stopped_ = false;
 };

@@ -4,6 +4,7 @@
 
 namespace tavren::server {
 
+
 asio::awaitable<std::string> PasswordWorker::hash(std::string password) {
     return run([password = std::move(password)] { return PasswordHasher::hash(password); });
 }

@@ -1,9 +1,11 @@
 #include "server/Server.h"
 
 #include <algorithm>
+#include <array>
 #include <asio/co_spawn.hpp>
 #include <asio/detached.hpp>
 #include <asio/experimental/as_tuple.hpp>
+#include <asio/steady_timer.hpp>
 #include <asio/use_awaitable.hpp>
 #include <asio/write.hpp>
 
@@ -17,6 +19,7 @@ namespace tavren::server {
 namespace {
 
 constexpr auto kAwaitResult = asio::experimental::as_tuple(asio::use_awaitable);
+constexpr std::chrono::seconds kRefusalGrace{2};
 
 asio::ip::tcp::endpoint resolveListenAddress(asio::io_context& io, const ServerConfig& config) {
     asio::ip::tcp::resolver resolver(io);
@@ -96,14 +99,31 @@ asio::awaitable<void> Server::acceptLoop() {
 asio::awaitable<void> Server::refuse(asio::ip::tcp::socket socket, std::string address) {
     Log::warn("refused a connection from " + address + ": " +
               std::to_string(config_.maxConnectionsPerAddress) + " already open");
+    // Shared with the grace timer's handler, which may run after this coroutine has ended.
+    const auto refused = std::make_shared<asio::ip::tcp::socket>(std::move(socket));
     const std::string notice = protocol::EncodeFrame(
         replies::kNotice,
         "Too many connections from your address. Please close one and try again.");
     // A few dozen bytes always fit in a fresh socket's buffer, so this never waits on the client.
-    co_await asio::async_write(socket, asio::buffer(notice), kAwaitResult);
+    co_await asio::async_write(*refused, asio::buffer(notice), kAwaitResult);
     asio::error_code ignored;
-    socket.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
-    socket.close(ignored);
+    refused->shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    // Drain until the client closes (or a short grace ends), so that the close is a FIN and not
+    // a reset that could discard the notice unread.
+    asio::steady_timer grace(refused->get_executor(), kRefusalGrace);
+    grace.async_wait([refused](const asio::error_code&) {
+        asio::error_code closeError;
+        refused->close(closeError);
+    });
+    std::array<char, 512> sink;
+    for (;;) {
+        const auto [error, count] =
+            co_await refused->async_read_some(asio::buffer(sink), kAwaitResult);
+        if (error) {
+            break;
+        }
+    }
+    grace.cancel();
 }
 
 }  // namespace tavren::server

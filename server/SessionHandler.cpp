@@ -37,6 +37,9 @@ asio::awaitable<void> SessionHandler::handle(protocol::Frame frame) {
 }
 
 asio::awaitable<void> SessionHandler::dispatch(protocol::Frame& frame) {
+    if (ended_) {
+        co_return;
+    }
     const protocol::CodePair code = frame.code;
     switch (stage_) {
         case Stage::kAwaitingVersion:
@@ -267,6 +270,10 @@ void SessionHandler::countFailure() {
 }
 
 void SessionHandler::disconnected() {
+    if (ended_) {
+        return;
+    }
+    ended_ = true;
     if (stage_ == Stage::kLoggedIn) {
         context_.presence.leave(account_->name, &link_);
         Log::info(account_->name + " went offline");

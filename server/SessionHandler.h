@@ -28,7 +28,8 @@ class SessionHandler {
     void setSharedLink(std::weak_ptr<ClientLink> link) { sharedLink_ = std::move(link); }
 
     asio::awaitable<void> handle(protocol::Frame frame);
-    // The connection is gone: the member is no longer online.
+    // The session is over (the connection is closing or gone): the member is no longer online,
+    // and further frames are ignored. Safe to call more than once.
     void disconnected();
 
     bool loggedIn() const { return stage_ == Stage::kLoggedIn; }
@@ -57,6 +58,7 @@ class SessionHandler {
     std::optional<Account> account_;
     int failures_ = 0;
     bool accountCreated_ = false;
+    bool ended_ = false;
 };
 
 }  // namespace tavren::server

@@ -1,0 +1,114 @@
+#include "server/support/RawClient.h"
+
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <stdexcept>
+
+#include "core/protocol/Catalogue.h"
+
+namespace tavren::test {
+
+RawClient::RawClient(std::uint16_t port, int receiveBuffer) {
+    fd_ = socket(AF_INET, SOCK_STREAM, 0);
+    if (receiveBuffer > 0) {
+        setsockopt(fd_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
+    }
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (connect(fd_, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0) {
+        close(fd_);
+        throw std::runtime_error("cannot connect to port " + std::to_string(port));
+    }
+}
+
+RawClient::~RawClient() {
+    close(fd_);
+}
+
+void RawClient::send(protocol::CodePair code, std::string_view payload) {
+    sendRaw(protocol::EncodeFrame(code, payload));
+}
+
+void RawClient::sendRaw(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        if (sent <= 0) {
+            return;  // the server has gone; reading will tell the test
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(sent));
+    }
+}
+
+bool RawClient::receive(std::chrono::steady_clock::time_point deadline) {
+    if (closed_) {
+        return false;
+    }
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+        deadline - std::chrono::steady_clock::now());
+    pollfd poller{fd_, POLLIN, 0};
+    if (left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
+        return false;
+    }
+    char buffer[8192];
+    const ssize_t count = recv(fd_, buffer, sizeof buffer, 0);
+    if (count <= 0) {
+        closed_ = true;  // orderly close or reset, the same to a test
+        return false;
+    }
+    cutter_.Append(std::string_view(buffer, static_cast<std::size_t>(count)));
+    return true;
+}
+
+std::optional<protocol::Frame> RawClient::next(std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    for (;;) {
+        protocol::CutResult cut = cutter_.Next();
+        if (cut.kind == protocol::CutResult::Kind::kError) {
+            ADD_FAILURE() << "the server sent a broken frame: " << cut.errorText;
+            return std::nullopt;
+        }
+        if (cut.kind == protocol::CutResult::Kind::kFrame) {
+            if (cut.frame.code != protocol::server_to_client::kPing) {
+                return std::move(cut.frame);
+            }
+            ++pingsSeen_;
+            if (answerPings_) {
+                send(protocol::client_to_server::kPong, "Pong");
+            }
+            continue;
+        }
+        if (!receive(deadline)) {
+            return std::nullopt;
+        }
+    }
+}
+
+protocol::Frame RawClient::expect(protocol::CodePair code, std::chrono::milliseconds timeout) {
+    auto frame = next(timeout);
+    if (!frame) {
+        ADD_FAILURE() << "expected (" << code.cmd1 << ", " << code.cmd2 << "), got "
+                      << (closed_ ? "a closed connection" : "nothing");
+        return {};
+    }
+    EXPECT_EQ(frame->code, code) << "got (" << frame->code.cmd1 << ", " << frame->code.cmd2
+                                 << ") \"" << frame->payload << "\"";
+    return *frame;
+}
+
+bool RawClient::waitClosed(std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (!closed_ && std::chrono::steady_clock::now() < deadline) {
+        next(std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now()));
+    }
+    return closed_;
+}
+
+}  // namespace tavren::test

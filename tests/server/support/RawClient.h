@@ -1,0 +1,53 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "core/protocol/CodePair.h"
+#include "core/protocol/Frame.h"
+#include "core/protocol/FrameCutter.h"
+
+namespace tavren::test {
+
+// A blocking loopback client that speaks frames byte for byte, so tests can say exactly what a
+// well-behaved or a hostile client sends. Pings are answered with "Pong" and skipped unless
+// told otherwise.
+class RawClient {
+  public:
+    // `receiveBuffer` > 0 shrinks the kernel receive buffer (set before connecting).
+    explicit RawClient(std::uint16_t port, int receiveBuffer = 0);
+    ~RawClient();
+    RawClient(const RawClient&) = delete;
+    RawClient& operator=(const RawClient&) = delete;
+
+    void send(protocol::CodePair code, std::string_view payload);
+    void sendRaw(std::string_view bytes);
+
+    // The next frame that is not a ping, or nothing on time-out or when the server closed.
+    std::optional<protocol::Frame> next(
+        std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    // The next frame, which must carry `code`; records a test failure otherwise.
+    protocol::Frame expect(protocol::CodePair code,
+                           std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    // Reads and throws away frames until the server closes; false if it has not closed in time.
+    bool waitClosed(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+
+    void setAnswerPings(bool answer) { answerPings_ = answer; }
+    int pingsSeen() const { return pingsSeen_; }
+    bool closedByServer() const { return closed_; }
+
+  private:
+    // Fills the cutter from the socket; false on time-out or close.
+    bool receive(std::chrono::steady_clock::time_point deadline);
+
+    int fd_ = -1;
+    protocol::FrameCutter cutter_;
+    bool answerPings_ = true;
+    bool closed_ = false;
+    int pingsSeen_ = 0;
+};
+
+}  // namespace tavren::test
