@@ -20,6 +20,7 @@ namespace {
 
 constexpr auto kAwaitResult = asio::experimental::as_tuple(asio::use_awaitable);
 constexpr std::chrono::seconds kRefusalGrace{2};
+constexpr std::chrono::milliseconds kAcceptRetryPause{100};
 
 asio::ip::tcp::endpoint resolveListenAddress(asio::io_context& io, const ServerConfig& config) {
     asio::ip::tcp::resolver resolver(io);
@@ -71,8 +72,11 @@ asio::awaitable<void> Server::acceptLoop() {
             co_return;
         }
         if (error) {
-            // Running out of descriptors is passing; keep serving the others.
+            // Running out of descriptors passes as connections close; pause instead of spinning,
+            // and keep serving the others meanwhile.
             Log::warn("accept failed: " + error.message());
+            asio::steady_timer pause(acceptor_.get_executor(), kAcceptRetryPause);
+            co_await pause.async_wait(kAwaitResult);
             continue;
         }
         asio::error_code peerError;
