@@ -19,8 +19,9 @@ class ScriptedPrompter : public Prompter {
         QString title;
     };
 
-    std::deque<Answer> answers;                // consumed by askYesNo / askYesNoCancel
-    std::deque<std::optional<QString>> texts;  // consumed by askText
+    std::deque<Answer> answers;  // consumed by askYesNo / askYesNoCancel
+    // Consumed by askText; a null QString() stands for the user pressing Cancel.
+    std::deque<QString> texts;
     std::vector<Asked> asked;
 
     void message(const QString& text, const QString& title, Icon) override {
@@ -40,8 +41,11 @@ class ScriptedPrompter : public Prompter {
         if (texts.empty()) {
             return defaultText;
         }
-        auto text = texts.front();
+        const QString text = texts.front();
         texts.pop_front();
+        if (text.isNull()) {
+            return std::nullopt;
+        }
         return text;
     }
 
