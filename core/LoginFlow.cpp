@@ -336,7 +336,10 @@ void LoginFlow::onLoginResult(const ServerMessage& message) {
         prompter_.message(kNotRegistered, kLoginTitle, Prompter::Icon::Warning);
         return;
     }
-    if (text.startsWith(kCreationError)) {
+    // Sign-up results count only while this connection is signing up; anything else is shown
+    // and otherwise ignored, so a confused server cannot change whose login this is.
+    const bool signingUp = mode_ == Mode::New && !signUpName_.isEmpty();
+    if (signingUp && text.startsWith(kCreationError)) {
         const QString reason =
             text.mid(kCreationError.size()).section(QLatin1Char(':'), 1).trimmed();
         prompter_.message(
@@ -348,7 +351,7 @@ void LoginFlow::onLoginResult(const ServerMessage& message) {
         }
         return;
     }
-    if (text.startsWith(kRegistered)) {
+    if (signingUp && text.startsWith(kRegistered)) {
         prompter_.message(kRegistered, kSignUpTitle, Prompter::Icon::Information);
         int row = accounts_.findRow(signUpName_);
         if (row > 0) {

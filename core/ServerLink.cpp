@@ -22,6 +22,12 @@ ServerLink::ServerLink(FloodMeters& floodMeters, QObject* parent)
     connect(&socket_, &QTcpSocket::errorOccurred, this, &ServerLink::onError);
 }
 
+ServerLink::~ServerLink() {
+    // The socket reports its own teardown; by then the rest of the link is gone.
+    socket_.disconnect(this);
+    socket_.abort();
+}
+
 void ServerLink::connectTo(const QString& host, quint16 port, bool proxyMode) {
     close();
     host_ = host;

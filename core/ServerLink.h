@@ -29,6 +29,7 @@ class ServerLink : public QObject {
     enum class Ending { None, Closed, Error, RemoteClosed };
 
     explicit ServerLink(FloodMeters& floodMeters, QObject* parent = nullptr);
+    ~ServerLink() override;
 
     void setFrameSink(FrameSink sink) { sink_ = std::move(sink); }
 

@@ -1,0 +1,63 @@
+#include "TavrendProcess.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+#include "Wait.h"
+
+namespace tavren::test {
+
+TavrendProcess::TavrendProcess(QString databasePath) : databasePath_(std::move(databasePath)) {}
+
+TavrendProcess::~TavrendProcess() {
+    stop();
+}
+
+QString TavrendProcess::binary() {
+    return QDir(qEnvironmentVariable("TAVREN_BIN_DIR")).filePath(QStringLiteral("tavrend"));
+}
+
+bool TavrendProcess::start(const QStringList& options, quint16 port) {
+    QStringList arguments = {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:%1").arg(port),
+                             QStringLiteral("--db"), databasePath_};
+    arguments << options;
+    process_.start(binary(), arguments);
+    if (!process_.waitForStarted(10000)) {
+        return false;
+    }
+    static const QRegularExpression listening(QStringLiteral("listening on [^\\s:]+:(\\d+)"));
+    QString output;
+    const bool up = waitUntil([&] {
+        output += QString::fromUtf8(process_.readAllStandardOutput());
+        const auto match = listening.match(output);
+        if (match.hasMatch()) {
+            port_ = static_cast<quint16>(match.captured(1).toUInt());
+            return true;
+        }
+        return process_.state() == QProcess::NotRunning;
+    });
+    log_ += QString::fromUtf8(process_.readAllStandardError());
+    return up && port_ != 0;
+}
+
+void TavrendProcess::stop() {
+    if (process_.state() == QProcess::NotRunning) {
+        return;
+    }
+    process_.terminate();
+    if (!process_.waitForFinished(10000)) {
+        process_.kill();
+        process_.waitForFinished(5000);
+    }
+    log_ += QString::fromUtf8(process_.readAllStandardError());
+}
+
+bool TavrendProcess::addAccount(const QString& name, const QString& password) {
+    QProcess add;
+    add.start(binary(), {QStringLiteral("--db"), databasePath_, QStringLiteral("account"),
+                         QStringLiteral("add"), name, password});
+    return add.waitForFinished(30000) && add.exitStatus() == QProcess::NormalExit &&
+           add.exitCode() == 0;
+}
+
+}  // namespace tavren::test
