@@ -36,7 +36,9 @@ namespace hand_layout {
 inline constexpr int kLowRanks = 6;  // two .. seven live in the low half
 inline constexpr int kHighHalfShift = 16;
 inline constexpr int kSuitCounterShift = 32;
-inline constexpr std::uint64_t kHalfMask = 0xFFFF;
+// Every low-half sum of up to seven cards fits in 14 bits, every high-half sum in 16.
+inline constexpr std::uint64_t kLowHalfMask = 0x3FFF;
+inline constexpr std::uint64_t kHighHalfMask = 0xFFFF;
 inline constexpr int kSuitLaneBits = 16;
 
 // Smallest increasing keys whose sums over any pattern of up to seven cards, at most four of a

@@ -18,9 +18,9 @@ constexpr int kMaxCards = 7;
 constexpr int kMaxOfOneRank = 4;
 
 // Index ranges are masked rather than trusted, so even a Hand that breaks the evaluator's
-// precondition reads inside the tables: 14 bits cover every low-half sum, 16 every high-half sum.
-constexpr std::size_t kLowKeys = std::size_t{1} << 14;
-constexpr std::size_t kHighKeys = std::size_t{1} << 16;
+// precondition reads inside the tables.
+constexpr std::size_t kLowKeys = hand_layout::kLowHalfMask + 1;
+constexpr std::size_t kHighKeys = hand_layout::kHighHalfMask + 1;
 constexpr std::size_t kFlushMasks = std::size_t{1} << 13;
 
 // One half's rank pattern: its card counts and its rank-key sum.

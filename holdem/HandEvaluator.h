@@ -66,8 +66,9 @@ class HandEvaluator {
     static bool hasFlush(std::uint64_t key) { return ((key + kFlushBias) & kFlushBits) != 0; }
 
     HandValue rankPatternValue(std::uint64_t key) const {
-        const std::uint64_t low = key & hand_layout::kHalfMask;
-        const std::uint64_t high = (key >> hand_layout::kHighHalfShift) & hand_layout::kHalfMask;
+        const std::uint64_t low = key & hand_layout::kLowHalfMask;
+        const std::uint64_t high =
+            (key >> hand_layout::kHighHalfShift) & hand_layout::kHighHalfMask;
         return HandValue(values_[lowRowStart_[low] + highColumn_[high]]);
     }
 
