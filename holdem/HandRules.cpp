@@ -1,6 +1,6 @@
 #include "holdem/HandRules.h"
 
-#include <vector>
+#include <initializer_list>
 
 namespace tavren::holdem {
 
@@ -16,26 +16,31 @@ constexpr int RankOfIndex(int index) {
 
 // Builds the value from the ranks that define the category, then fills the remaining places of
 // the five-card hand with the highest other ranks (kickers), one card each.
-HandValue WithKickers(HandCategory category, std::vector<int> defining, int cardsUsed,
+HandValue WithKickers(HandCategory category, std::initializer_list<int> defining, int cardsUsed,
                       int cardsKnown, const RankCounts& counts) {
+    std::array<int, HandValue::kRankSlots> ranks{};
+    std::size_t filled = 0;
+    for (int rank : defining) {
+        ranks[filled++] = rank;
+    }
+    const std::size_t definingCount = filled;
     const int limit = cardsKnown < kCardsInHand ? cardsKnown : kCardsInHand;
     for (int index = kAceIndex; index >= 0 && cardsUsed < limit; --index) {
         if (counts[static_cast<std::size_t>(index)] == 0) {
             continue;
         }
         bool alreadyUsed = false;
-        for (int rank : defining) {
-            alreadyUsed = alreadyUsed || rank == RankOfIndex(index);
+        for (std::size_t i = 0; i < definingCount; ++i) {
+            alreadyUsed = alreadyUsed || ranks[i] == RankOfIndex(index);
         }
         if (!alreadyUsed) {
-            defining.push_back(RankOfIndex(index));
+            ranks[filled++] = RankOfIndex(index);
             ++cardsUsed;
         }
     }
     std::uint32_t bits = static_cast<std::uint32_t>(category);
-    for (int slot = 0; slot < HandValue::kRankSlots; ++slot) {
-        const std::size_t at = static_cast<std::size_t>(slot);
-        bits = (bits << 4) | (at < defining.size() ? static_cast<std::uint32_t>(defining[at]) : 0u);
+    for (int rank : ranks) {
+        bits = (bits << 4) | static_cast<std::uint32_t>(rank);
     }
     return HandValue(bits);
 }
