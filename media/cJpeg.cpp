@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <stdexcept>
-#include <thread>
 
 #include "media/jpeg/FrameTransformer.h"
 #include "media/jpeg/JpegConstants.h"
+#include "media/jpeg/ThreadBudget.h"
 
 namespace tavren {
 
@@ -14,7 +14,6 @@ cJpeg::cJpeg() {
     quality_ = 0;
     SetQuality(kDefaultQuality);
     SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
-    SetThreads(static_cast<int>(std::thread::hardware_concurrency()) >= 2 ? 2 : 1);
 }
 
 void cJpeg::SetQuality(int quality) {
@@ -45,7 +44,7 @@ void cJpeg::SampleHDC(const cImage& source, int width, int height, int x, int y)
         throw std::out_of_range("SampleHDC: rectangle outside the picture");
     }
     sampled_.Prepare(width, height, sampling_);
-    jpeg::FrameTransformer::Transform(source, x, y, sampled_, threads_);
+    jpeg::FrameTransformer::Transform(source, x, y, sampled_, ThreadsNow());
 }
 
 void cJpeg::SetComment(std::string comment) {
@@ -56,7 +55,13 @@ void cJpeg::SetComment(std::string comment) {
 }
 
 void cJpeg::SetThreads(int threads) {
-    threads_ = std::max(1, threads);
+    threads_ = std::max(0, threads);
+}
+
+int cJpeg::ThreadsNow() const {
+    // Beyond two threads the pieces of work get small for pictures of screen size.
+    constexpr int kMostThreads = 2;
+    return threads_ > 0 ? threads_ : jpeg::ThreadBudget::Available(kMostThreads);
 }
 
 void cJpeg::EncodeIntoBuffer() {
@@ -67,7 +72,7 @@ void cJpeg::EncodeIntoBuffer() {
     settings.quantization = {&quantization_[0], &quantization_[1]};
     settings.comment = comment_;
     settings.identification = kIdentification;
-    settings.threads = threads_;
+    settings.threads = ThreadsNow();
     encoder_.Encode(sampled_, settings, output_);
 }
 

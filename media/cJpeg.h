@@ -55,7 +55,8 @@ class cJpeg {
     // JpegFileError and leaves no file behind.
     void SaveFile(const std::filesystem::path& path);
 
-    // Threads the encoder may use (at least 1); by default 2 when the machine has two cores.
+    // Threads the encoder uses. 0, the default, picks by itself: as many as there are cores
+    // that other programs leave free. A positive number is used as given.
     int Threads() const { return threads_; }
     void SetThreads(int threads);
 
@@ -66,12 +67,13 @@ class cJpeg {
 
   private:
     void EncodeIntoBuffer();
+    int ThreadsNow() const;
 
     int quality_ = kDefaultQuality;
     std::array<jpeg::QuantizationTable, 2> quantization_;
     std::vector<jpeg::ComponentSampling> sampling_;
     std::string comment_;
-    int threads_ = 1;
+    int threads_ = 0;
     jpeg::TransformedImage sampled_;  // the sampled picture, already through the DCT
     jpeg::FrameEncoder encoder_;
     jpeg::OutputBuffer output_;

@@ -78,13 +78,15 @@ inline std::uint32_t ValueBits(int value, int size) {
     return static_cast<std::uint32_t>(adjusted) & ((1u << size) - 1);
 }
 
-inline void WriteDc(BitWriter& out, const EncodingTable& table, int difference) {
+template <typename Writer>
+inline void WriteDc(Writer& out, const EncodingTable& table, int difference) {
     const int size = SizeCategory(difference);
     out.Put(table.code[size] << size | ValueBits(difference, size), table.length[size] + size);
 }
 
 // Writes the AC symbols of one block; returns the position after its values.
-inline const std::int16_t* WriteAc(BitWriter& out, const EncodingTable& table,
+template <typename Writer>
+inline const std::int16_t* WriteAc(Writer& out, const EncodingTable& table,
                                    const std::int16_t* values, std::uint64_t nonzero) {
     nonzero &= ~std::uint64_t{1};
     int last = 0;

@@ -3,14 +3,16 @@
 #include <algorithm>
 
 #include "media/jpeg/JpegSegmentWriter.h"
+#include "media/jpeg/ParallelFor.h"
 #include "media/jpeg/Quantizer.h"
-#include "media/jpeg/SplitWork.h"
 
 namespace tavren::jpeg {
 namespace {
 
-// Below this many blocks a second thread costs more than it saves.
-constexpr long kBlocksWorthASecondThread = 2048;
+// A piece of work worth handing to another thread: about this many blocks.
+constexpr long kBlocksPerPiece = 2048;
+
+using DcValues = std::array<int, TransformedImage::kMaxComponents>;
 
 // Bits the scan will take with the given tables: each symbol's code plus its value bits.
 std::uint64_t ScanBits(const SymbolCounts& counts, const std::array<HuffmanTable, 2>& dc,
@@ -34,27 +36,27 @@ void FrameEncoder::QuantizeAndCount(const TransformedImage& image, const Setting
         multipliers[t] = settings.quantization[t]->QuantizerMultipliers();
     }
     const long mcuCount = static_cast<long>(image.McuCount());
-    const int threads = static_cast<long>(image.BlockCount()) < kBlocksWorthASecondThread
-                            ? 1
-                            : std::max(1, settings.threads);
-    stripes_.resize(static_cast<std::size_t>(std::clamp<long>(threads, 1, mcuCount)));
+    const long pieceCount = std::min(mcuCount, PieceCount(static_cast<long>(image.BlockCount()),
+                                                          settings.threads, kBlocksPerPiece));
+    pieces_.resize(static_cast<std::size_t>(pieceCount));
     const Quantizer::Kernel quantize = Quantizer::Best();
 
-    SplitWork(mcuCount, threads, [&](int part, long firstMcu, long endMcu) {
-        Stripe& stripe = stripes_[part];
-        stripe.firstMcu = firstMcu;
-        stripe.endMcu = endMcu;
-        stripe.counts = SymbolCounts{};
+    ParallelFor(pieceCount, settings.threads, [&](int, long index) {
+        Piece& piece = pieces_[index];
+        piece.firstMcu = mcuCount * index / pieceCount;
+        piece.endMcu = mcuCount * (index + 1) / pieceCount;
+        piece.counts = SymbolCounts{};
         // Room for every coefficient; only what is used gets touched.
-        stripe.values.Resize(static_cast<std::size_t>(endMcu - firstMcu) * blocksPerMcu * 64);
-        std::int16_t* values = stripe.values.Data();
-        std::array<int, TransformedImage::kMaxComponents> previous{};
+        piece.values.Resize(static_cast<std::size_t>(piece.endMcu - piece.firstMcu) * blocksPerMcu *
+                            64);
+        std::int16_t* values = piece.values.Data();
+        DcValues previous{};
         std::array<bool, TransformedImage::kMaxComponents> seen{};
-        if (firstMcu == 0) {
+        if (index == 0) {
             seen.fill(true);  // the first block's DC is coded against 0
         }
-        std::size_t block = static_cast<std::size_t>(firstMcu) * blocksPerMcu;
-        for (long mcu = firstMcu; mcu < endMcu; ++mcu) {
+        std::size_t block = static_cast<std::size_t>(piece.firstMcu) * blocksPerMcu;
+        for (long mcu = piece.firstMcu; mcu < piece.endMcu; ++mcu) {
             for (int p = 0; p < blocksPerMcu; ++p, ++block) {
                 const int table = tableOfPosition_[p];
                 const int component = componentOfPosition_[p];
@@ -63,40 +65,69 @@ void FrameEncoder::QuantizeAndCount(const TransformedImage& image, const Setting
                 nonzero_[block] = nonzero;
                 const int dc = values[0];
                 if (seen[component]) {
-                    ++stripe.counts.dc[table][SizeCategory(dc - previous[component])];
+                    ++piece.counts.dc[table][SizeCategory(dc - previous[component])];
                 } else {
                     seen[component] = true;
-                    stripe.firstDc[component] = dc;
+                    piece.firstDc[component] = dc;
                 }
                 previous[component] = dc;
-                values = const_cast<std::int16_t*>(
-                    CountAc(values + 1, nonzero, stripe.counts.ac[table]));
+                values =
+                    const_cast<std::int16_t*>(CountAc(values + 1, nonzero, piece.counts.ac[table]));
             }
         }
-        stripe.lastDc = previous;
+        piece.lastDc = previous;
     });
 }
 
-void FrameEncoder::WriteScan(const TransformedImage& image, int tables, OutputBuffer& out) {
+template <typename Writer>
+void FrameEncoder::WritePiece(const Piece& piece, const DcValues& previousDc,
+                              const std::array<EncodingTable, 2>& dc,
+                              const std::array<EncodingTable, 2>& ac, int blocksPerMcu,
+                              Writer& bits) const {
+    DcValues previous = previousDc;
+    const std::int16_t* values = piece.values.Data();
+    std::size_t block = static_cast<std::size_t>(piece.firstMcu) * blocksPerMcu;
+    for (long mcu = piece.firstMcu; mcu < piece.endMcu; ++mcu) {
+        for (int p = 0; p < blocksPerMcu; ++p, ++block) {
+            const int table = tableOfPosition_[p];
+            const int component = componentOfPosition_[p];
+            WriteDc(bits, dc[table], values[0] - previous[component]);
+            previous[component] = values[0];
+            values = WriteAc(bits, ac[table], values + 1, nonzero_[block]);
+        }
+    }
+}
+
+void FrameEncoder::WriteScan(const TransformedImage& image, int tables, int threads,
+                             OutputBuffer& out) {
     const int blocksPerMcu = image.BlocksPerMcu();
     const std::array<EncodingTable, 2> dc{EncodingTable(dcTables_[0]),
                                           EncodingTable(dcTables_[tables - 1])};
     const std::array<EncodingTable, 2> ac{EncodingTable(acTables_[0]),
                                           EncodingTable(acTables_[tables - 1])};
-    std::array<int, TransformedImage::kMaxComponents> previous{};
+    // The first piece goes straight into the file; each later one into its own buffer,
+    // unstuffed, since where its bytes fall depends on how many bits come before it.
     BitWriter bits(out.Cursor());
-    for (const Stripe& stripe : stripes_) {
-        const std::int16_t* values = stripe.values.Data();
-        std::size_t block = static_cast<std::size_t>(stripe.firstMcu) * blocksPerMcu;
-        for (long mcu = stripe.firstMcu; mcu < stripe.endMcu; ++mcu) {
-            for (int p = 0; p < blocksPerMcu; ++p, ++block) {
-                const int table = tableOfPosition_[p];
-                const int component = componentOfPosition_[p];
-                WriteDc(bits, dc[table], values[0] - previous[component]);
-                previous[component] = values[0];
-                values = WriteAc(bits, ac[table], values + 1, nonzero_[block]);
-            }
+    std::vector<UnstuffedBitWriter> parts;
+    parts.reserve(pieces_.size());
+    for (std::size_t i = 0; i < pieces_.size(); ++i) {
+        Piece& piece = pieces_[i];
+        if (i > 0) {
+            // A block takes at most 27 + 63 * 26 bits.
+            piece.scan.Resize(
+                static_cast<std::size_t>(piece.endMcu - piece.firstMcu) * blocksPerMcu * 216 + 16);
         }
+        parts.emplace_back(piece.scan.Data());
+    }
+    ParallelFor(static_cast<long>(pieces_.size()), threads, [&](int, long i) {
+        if (i == 0) {
+            WritePiece(pieces_[0], DcValues{}, dc, ac, blocksPerMcu, bits);
+        } else {
+            WritePiece(pieces_[i], pieces_[i - 1].lastDc, dc, ac, blocksPerMcu, parts[i]);
+        }
+    });
+    for (std::size_t i = 1; i < pieces_.size(); ++i) {
+        bits.Append(parts[i], pieces_[i].scan.Data());
     }
     out.Advance(static_cast<std::size_t>(bits.Finish() - out.Cursor()));
 }
@@ -113,12 +144,12 @@ void FrameEncoder::Encode(const TransformedImage& image, const Settings& setting
     nonzero_.Resize(image.BlockCount());
 
     QuantizeAndCount(image, settings);
-    SymbolCounts counts = stripes_[0].counts;
-    for (std::size_t s = 1; s < stripes_.size(); ++s) {
-        counts.Add(stripes_[s].counts);
+    SymbolCounts counts = pieces_[0].counts;
+    for (std::size_t i = 1; i < pieces_.size(); ++i) {
+        counts.Add(pieces_[i].counts);
         for (int c = 0; c < image.ComponentCount(); ++c) {
             const int table = image.Component(c).table;
-            ++counts.dc[table][SizeCategory(stripes_[s].firstDc[c] - stripes_[s - 1].lastDc[c])];
+            ++counts.dc[table][SizeCategory(pieces_[i].firstDc[c] - pieces_[i - 1].lastDc[c])];
         }
     }
 
@@ -153,7 +184,7 @@ void FrameEncoder::Encode(const TransformedImage& image, const Settings& setting
         segments.HuffmanTable(JpegSegmentWriter::TableClass::kAc, t, acTables_[t]);
     }
     segments.ScanHeader(image);
-    WriteScan(image, tables, out);
+    WriteScan(image, tables, settings.threads, out);
     segments.EndOfImage();
 }
 

@@ -16,8 +16,8 @@ namespace tavren::jpeg {
 // Encodes transformed blocks into a complete baseline JFIF file. The first pass quantises every
 // block once, keeps only what the scan needs (a mask of non-zero coefficients and their values)
 // and counts the symbols; Huffman tables made for exactly those counts then drive the second
-// pass, which writes the scan from what the first kept. The first pass runs on several threads
-// by stripes of MCUs.
+// pass, which writes the scan from what the first kept. Both passes share pieces of consecutive
+// MCUs out among threads; the later pieces' parts of the scan are appended to the first's.
 class FrameEncoder {
   public:
     struct Settings {
@@ -34,23 +34,29 @@ class FrameEncoder {
     const HuffmanTable& AcTable(int slot) const { return acTables_[slot]; }
 
   private:
-    // What the first pass leaves for one stripe of MCUs.
-    struct Stripe {
+    // What the first pass leaves for one piece of consecutive MCUs.
+    struct Piece {
         long firstMcu = 0;
         long endMcu = 0;
         SymbolCounts counts;
-        // DC values at the stripe's two ends, for the differences across stripe borders.
+        // DC values at the piece's two ends, for the differences across piece borders.
         std::array<int, TransformedImage::kMaxComponents> firstDc{};
         std::array<int, TransformedImage::kMaxComponents> lastDc{};
         AlignedBuffer<std::int16_t> values;  // per block: DC, then the non-zero AC values
+        AlignedBuffer<std::uint8_t> scan;    // this piece's part of the scan, unstuffed
     };
 
     void QuantizeAndCount(const TransformedImage& image, const Settings& settings);
-    void WriteScan(const TransformedImage& image, int tables, OutputBuffer& out);
+    void WriteScan(const TransformedImage& image, int tables, int threads, OutputBuffer& out);
+    template <typename Writer>
+    void WritePiece(const Piece& piece,
+                    const std::array<int, TransformedImage::kMaxComponents>& previousDc,
+                    const std::array<EncodingTable, 2>& dc, const std::array<EncodingTable, 2>& ac,
+                    int blocksPerMcu, Writer& bits) const;
 
     std::array<HuffmanTable, 2> dcTables_;
     std::array<HuffmanTable, 2> acTables_;
-    std::vector<Stripe> stripes_;
+    std::vector<Piece> pieces_;
     AlignedBuffer<std::uint64_t> nonzero_;  // per block
     std::vector<int> tableOfPosition_;      // per block position of an MCU
     std::vector<int> componentOfPosition_;

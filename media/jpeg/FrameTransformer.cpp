@@ -1,35 +1,46 @@
 #include "media/jpeg/FrameTransformer.h"
 
+#include <memory>
+#include <vector>
+
 #include "media/jpeg/AlignedBuffer.h"
 #include "media/jpeg/ColorSampler.h"
 #include "media/jpeg/ForwardDct.h"
-#include "media/jpeg/SplitWork.h"
+#include "media/jpeg/ParallelFor.h"
 
 namespace tavren::jpeg {
 namespace {
 
-// Below this many pixels a second thread costs more than it saves.
-constexpr long kPixelsWorthASecondThread = 128 * 1024;
+// A piece of work worth handing to another thread: about this many pixels.
+constexpr long kPixelsPerPiece = 64 * 1024;
 
 }  // namespace
 
 void FrameTransformer::Transform(const tavren::cImage& source, int left, int top,
                                  TransformedImage& image, int threads) {
-    if (static_cast<long>(image.Width()) * image.Height() < kPixelsWorthASecondThread) {
-        threads = 1;
-    }
+    const long rows = image.McusDown();
+    const long pixelsPerRow =
+        static_cast<long>(image.McusAcross()) * image.McuWidth() * image.McuHeight();
+    const long pieces = PieceCount(rows * pixelsPerRow, threads, kPixelsPerPiece);
     const std::size_t blocksPerRow =
         static_cast<std::size_t>(image.McusAcross()) * image.BlocksPerMcu();
     const ForwardDct::Kernel transform = ForwardDct::Best();
-    SplitWork(image.McusDown(), threads, [&](int, long firstRow, long endRow) {
-        ColorSampler sampler(source, left, top, image);
-        AlignedBuffer<std::int16_t> samples;
-        samples.Resize(blocksPerRow * 64);
-        for (long row = firstRow; row < endRow; ++row) {
-            sampler.SampleRow(static_cast<int>(row), samples.Data());
+
+    // Per thread: a sampler and room for one MCU row of samples.
+    const int workers = static_cast<int>(std::min<long>(threads, pieces));
+    std::vector<std::unique_ptr<ColorSampler>> samplers(workers);
+    std::vector<AlignedBuffer<std::int16_t>> samples(workers);
+    ParallelFor(pieces, workers, [&](int worker, long piece) {
+        if (!samplers[worker]) {
+            samplers[worker] = std::make_unique<ColorSampler>(source, left, top, image);
+            samples[worker].Resize(blocksPerRow * 64);
+        }
+        std::int16_t* rowSamples = samples[worker].Data();
+        for (long row = rows * piece / pieces; row < rows * (piece + 1) / pieces; ++row) {
+            samplers[worker]->SampleRow(static_cast<int>(row), rowSamples);
             std::int16_t* out = image.Block(static_cast<std::size_t>(row) * blocksPerRow);
             for (std::size_t b = 0; b < blocksPerRow; ++b) {
-                transform(samples.Data() + 64 * b, out + 64 * b);
+                transform(rowSamples + 64 * b, out + 64 * b);
             }
         }
     });

@@ -7,7 +7,7 @@ namespace tavren::jpeg {
 
 // Fills a TransformedImage from a rectangle of a picture: colour conversion and sub-sampling
 // (ColorSampler) and the DCT (ForwardDct), one MCU row at a time so that the samples are still
-// in cache when they are transformed. Stripes of MCU rows go to separate threads.
+// in cache when they are transformed. Pieces of a few MCU rows are shared out among threads.
 class FrameTransformer {
   public:
     // `image` must be Prepared for the rectangle's size; the rectangle (left, top,

@@ -6,6 +6,7 @@
 #include "media/jpeg/BitWriter.h"
 
 using tavren::jpeg::BitWriter;
+using tavren::jpeg::UnstuffedBitWriter;
 
 namespace {
 
@@ -71,5 +72,44 @@ TEST(BitWriter, MatchesABitByBitPackerOnRandomCodes) {
             puts.emplace_back(value, bits);
         }
         ASSERT_EQ(Written(puts), Reference(puts)) << "trial " << trial;
+    }
+}
+
+TEST(BitWriter, PiecesWrittenApartJoinIntoTheSameStream) {
+    // A scan written in stripes on several threads must equal the one written in one go,
+    // whatever bit position each stripe starts at.
+    std::mt19937 random(8);
+    for (int trial = 0; trial < 200; ++trial) {
+        std::vector<std::pair<std::uint32_t, int>> puts;
+        const int count = static_cast<int>(random() % 300);
+        for (int i = 0; i < count; ++i) {
+            const int bits = 1 + static_cast<int>(random() % 27);
+            const std::uint32_t value =
+                random() % 3 == 0 ? (1u << bits) - 1 : random() & ((1u << bits) - 1);
+            puts.emplace_back(value, bits);
+        }
+        const std::size_t cut1 = puts.empty() ? 0 : random() % (puts.size() + 1);
+        const std::size_t cut2 =
+            cut1 + (puts.size() == cut1 ? 0 : random() % (puts.size() - cut1 + 1));
+
+        std::vector<std::uint8_t> out(puts.size() * 8 + 64);
+        std::vector<std::uint8_t> second(puts.size() * 8 + 64);
+        std::vector<std::uint8_t> third(puts.size() * 8 + 64);
+        BitWriter first(out.data());
+        UnstuffedBitWriter middle(second.data());
+        UnstuffedBitWriter last(third.data());
+        for (std::size_t i = 0; i < puts.size(); ++i) {
+            if (i < cut1) {
+                first.Put(puts[i].first, puts[i].second);
+            } else if (i < cut2) {
+                middle.Put(puts[i].first, puts[i].second);
+            } else {
+                last.Put(puts[i].first, puts[i].second);
+            }
+        }
+        first.Append(middle, second.data());
+        first.Append(last, third.data());
+        out.resize(static_cast<std::size_t>(first.Finish() - out.data()));
+        ASSERT_EQ(out, Reference(puts)) << "trial " << trial << " cuts " << cut1 << "," << cut2;
     }
 }

@@ -235,6 +235,10 @@ TEST(cJpegParity, FileIsTheSameWithAndWithoutVectorUnitsAndThreads) {
         jpeg.SampleHDC(source, 700, 420);
         EXPECT_EQ(jpeg.Encode(), reference) << "one thread";
 
+        jpeg.SetThreads(0);
+        jpeg.SampleHDC(source, 700, 420);
+        EXPECT_EQ(jpeg.Encode(), reference) << "threads chosen by load";
+
         VectorUnitsOff portableOnly;
         jpeg.SetThreads(3);
         jpeg.SampleHDC(source, 700, 420);
