@@ -118,24 +118,28 @@ void PlainRanker(benchmark::State& state) {
 }
 BENCHMARK(PlainRanker)->Unit(benchmark::kMillisecond);
 
-// Run with --benchmark_repetitions=5 on a shared machine: the best run is the one least disturbed.
-// Prints the usual table, then each evaluator's rate relative to the plain ranker of this run.
+// Prints the usual table, then each benchmark's best rate over its repetitions (run with
+// --benchmark_repetitions=5 on a shared machine) relative to the plain ranker of this run.
 class RatioReporter : public benchmark::ConsoleReporter {
   public:
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
             const auto rate = run.counters.find("items_per_second");
-            if (rate != run.counters.end() && !run.error_occurred) {
-                rates_[run.benchmark_name()] = rate->second.value;
+            if (run.run_type != Run::RT_Iteration || run.error_occurred ||
+                rate == run.counters.end()) {
+                continue;
             }
+            // Of repeated runs keep the fastest: on a shared machine it is the least disturbed.
+            double& best = rates_[run.run_name.str()];
+            best = std::max(best, rate->second.value);
         }
     }
     void Finalize() override {
         ConsoleReporter::Finalize();
         const auto peer = rates_.find("PlainRanker");
         for (const auto& [name, rate] : rates_) {
-            std::printf("%-14s %8.1f M hands/s", name.c_str(), rate / 1e6);
+            std::printf("%-20s %8.1f M hands/s", name.c_str(), rate / 1e6);
             if (peer != rates_.end() && peer->second > 0) {
                 std::printf("  %7.1f x PlainRanker", rate / peer->second);
             }
