@@ -57,6 +57,7 @@ bool ServerConnection::ConnectToServer() {
         return false;
     }
     phase_ = Phase::Connecting;
+    lastFrameWasNotice_ = false;
     connectTimer_.start();
     link_.connectTo(target_.host, target_.port, target_.viaProxy);
     return true;
@@ -121,6 +122,11 @@ void ServerConnection::onRemoteClosed() {
         // Cut before the client could say anything: the proxy or the server gave up on us.
         reportFailure(QAbstractSocket::RemoteHostClosedError, QString());
         return;
+    }
+    if (lastFrameWasNotice_) {
+        // The notice said why; coming straight back would only be sent away again (or, for a
+        // login from another place, throw that other session out in turn).
+        settings_.setAutoReconnectArmed(false);
     }
     GoOffline(true);
 }

@@ -39,6 +39,10 @@ class ServerConnection : public QObject {
     void PingTimedOut();
     // The dispatcher answered a ping; the link is alive.
     void pingArrived() { watchdog_.pingArrived(); }
+    // Every frame from the server passes here first. The server announces every close it
+    // decides on (log-in elsewhere, time-out, flooding, old client) with a notice as its last
+    // frame; a close right after one is on purpose and is not answered by reconnecting.
+    void noteServerFrame(bool isNotice) { lastFrameWasNotice_ = isNotice; }
 
     Phase phase() const { return phase_; }
     bool linkUp() const { return phase_ == Phase::Up; }
@@ -83,6 +87,7 @@ class ServerConnection : public QObject {
     ConnectTarget target_;
     Phase phase_ = Phase::Closed;
     bool loggedInBefore_ = false;
+    bool lastFrameWasNotice_ = false;
     QTimer connectTimer_;
     ConnectedClock clock_;
     PingWatchdog watchdog_;

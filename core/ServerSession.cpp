@@ -20,8 +20,10 @@ ServerSession::ServerSession(Settings& settings, Prompter& prompter,
       login_(settings, prompter, link_, connection_, accounts_, options_, this),
       accountRequests_(link_, login_, accounts_, this),
       console_(prompter, link_, this) {
-    link_.setFrameSink(
-        [this](const protocol::Frame& frame) { dispatcher_.DispatchServerFrame(frame); });
+    link_.setFrameSink([this](const protocol::Frame& frame) {
+        connection_.noteServerFrame(frame.code.cmd1 == protocol::kNoticeGroup);
+        dispatcher_.DispatchServerFrame(frame);
+    });
     routeCoreMessages();
     connect(&login_, &LoginFlow::onlineChanged, this, &ServerSession::onlineChanged);
     connect(&login_, &LoginFlow::captionChanged, this, &ServerSession::captionChanged);

@@ -127,3 +127,35 @@ TEST(FakeServerTest, ServerNoticesAndResultsOutsideTheScriptAreShownNotTrusted) 
 
 }  // namespace
 }  // namespace tavren
+
+namespace tavren {
+namespace {
+
+TEST(FakeServerTest, AClosingNoticeMeansNoAutomaticReconnect) {
+    test::FakePeer server;
+    server.setResponder([](test::FakePeer& peer, const protocol::Frame& frame) {
+        test::FakePeer::answerLoginWithoutPings(peer, frame);
+        if (frame.code == out::kMailReceive) {
+            peer.send(protocol::CodePair{4, 1},
+                      "You have been logged out: your account logged in from another place.");
+            peer.closeCurrent();
+        }
+    });
+    test::ClientUnderTest client;
+    client.pointAt(server.port());
+    client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
+    client.session->login().clickLoginButton();
+    ASSERT_TRUE(waitUntil([&] { return client.wentOffline == 1; }));
+
+    EXPECT_TRUE(client.messages().contains(
+        QStringLiteral("You have been logged out: your account logged in from another place.")));
+    EXPECT_TRUE(client.errors().contains(
+        QStringLiteral("Server: You have been disconnected from the server.")));
+    EXPECT_EQ(client.session->login().button().caption, QStringLiteral("&Login"));
+    test::runEventsFor(1000);
+    EXPECT_EQ(server.connections(), 1)
+        << "two places logging in must not throw each other out forever";
+}
+
+}  // namespace
+}  // namespace tavren
