@@ -9,7 +9,9 @@
 
 namespace tavren::jpeg {
 
-void ForwardDct::TransformScalar(const std::int16_t* samples, std::int16_t* zigzag) {
+namespace {
+
+void TransformBlock(const std::int16_t* samples, std::int16_t* zigzag) {
     const AanConstants<float> k{0.707106781186548f, 0.382683432365091f, 0.541196100146196f,
                                 1.30656296487638f};
     float rows[8][8];  // rows[v][x] after the column pass
@@ -37,6 +39,15 @@ void ForwardDct::TransformScalar(const std::int16_t* samples, std::int16_t* zigz
     }
     for (int i = 0; i < 64; ++i) {
         zigzag[i] = slots[kZigzagSlots[i]];
+    }
+}
+
+}  // namespace
+
+void ForwardDct::TransformScalar(const std::int16_t* samples, std::int16_t* zigzag,
+                                 std::size_t count) {
+    for (std::size_t b = 0; b < count; ++b) {
+        TransformBlock(samples + 64 * b, zigzag + 64 * b);
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 
 #include "media/jpeg/JpegConstants.h"
@@ -13,7 +14,8 @@ namespace tavren::jpeg {
 // columns first and then over the rows; its scale factors are applied on the way out.
 class ForwardDct {
   public:
-    using Kernel = void (*)(const std::int16_t* samples, std::int16_t* zigzag);
+    // Transforms `count` consecutive blocks.
+    using Kernel = void (*)(const std::int16_t* samples, std::int16_t* zigzag, std::size_t count);
 
     static constexpr int kCoefficientFractionBits = 4;
     static constexpr int kCoefficientOne = 1 << kCoefficientFractionBits;
@@ -24,11 +26,13 @@ class ForwardDct {
         return (natural % 8) * 8 + natural / 8;
     }
 
-    static void TransformScalar(const std::int16_t* samples, std::int16_t* zigzag);
+    static void TransformScalar(const std::int16_t* samples, std::int16_t* zigzag,
+                                std::size_t count);
     // The vector versions give the same coefficients as the scalar one, bit for bit; callable
     // only when the CPU has AVX2 (AVX-512 respectively).
-    static void TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag);
-    static void TransformAvx512(const std::int16_t* samples, std::int16_t* zigzag);
+    static void TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag, std::size_t count);
+    static void TransformAvx512(const std::int16_t* samples, std::int16_t* zigzag,
+                                std::size_t count);
 
     // The fastest kernel this CPU runs.
     static Kernel Best();

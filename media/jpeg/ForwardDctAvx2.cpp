@@ -12,11 +12,14 @@
 
 namespace tavren::jpeg {
 
-void ForwardDct::TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag) {
+void ForwardDct::TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag,
+                               std::size_t count) {
     alignas(32) std::int16_t slots[64];
-    vector::TransformToSlots(samples, slots);
-    for (int i = 0; i < 64; ++i) {
-        zigzag[i] = slots[kZigzagSlots[i]];
+    for (std::size_t b = 0; b < count; ++b, samples += 64, zigzag += 64) {
+        vector::TransformToSlots(samples, slots);
+        for (int i = 0; i < 64; ++i) {
+            zigzag[i] = slots[kZigzagSlots[i]];
+        }
     }
 }
 
@@ -27,8 +30,9 @@ void ForwardDct::TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag
 #else
 
 namespace tavren::jpeg {
-void ForwardDct::TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag) {
-    TransformScalar(samples, zigzag);
+void ForwardDct::TransformAvx2(const std::int16_t* samples, std::int16_t* zigzag,
+                               std::size_t count) {
+    TransformScalar(samples, zigzag, count);
 }
 }  // namespace tavren::jpeg
 

@@ -38,10 +38,8 @@ void FrameTransformer::Transform(const tavren::cImage& source, int left, int top
         std::int16_t* rowSamples = samples[worker].Data();
         for (long row = rows * piece / pieces; row < rows * (piece + 1) / pieces; ++row) {
             samplers[worker]->SampleRow(static_cast<int>(row), rowSamples);
-            std::int16_t* out = image.Block(static_cast<std::size_t>(row) * blocksPerRow);
-            for (std::size_t b = 0; b < blocksPerRow; ++b) {
-                transform(rowSamples + 64 * b, out + 64 * b);
-            }
+            transform(rowSamples, image.Block(static_cast<std::size_t>(row) * blocksPerRow),
+                      blocksPerRow);
         }
     });
 }
