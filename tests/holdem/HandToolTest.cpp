@@ -8,7 +8,7 @@
 
 namespace {
 
-std::string ReadAll(const std::filesystem::path& path) {
+[[maybe_unused]] std::string ReadAll(const std::filesystem::path& path) {
     std::ifstream in(path);
     std::stringstream text;
     text << in.rdbuf();
