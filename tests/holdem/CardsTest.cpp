@@ -27,6 +27,9 @@ TEST(Cards, SuitAndRankAtTheEdgesOfEachSuit) {
     EXPECT_EQ(SuitofCard(0), "");
     EXPECT_EQ(SuitofCard(-5), "");
     EXPECT_EQ(SuitofCard(53), "Hearts");
+    // The rank is plain arithmetic on any number: 0 reads as a king, 53 as an ace.
+    EXPECT_EQ(ShortCardNum(0), 13);
+    EXPECT_EQ(ShortCardNum(53), 1);
     EXPECT_FALSE(IsCardNumber(0));
     EXPECT_FALSE(IsCardNumber(53));
 }
