@@ -40,8 +40,7 @@ void ColorSampler::SampleRow(int mcuRow, std::int16_t* blocks) {
 
 const std::uint8_t* ColorSampler::ExtendedRow(int line, int slot) {
     const int width = layout_.Width();
-    const std::uint8_t* row =
-        source_.ScanLine(top_ + std::min(line, layout_.Height() - 1)) + 3 * left_;
+    const std::uint8_t* row = SourceRow(line);
     const int paddedWidth = layout_.McusAcross() * layout_.McuWidth();
     if (width == paddedWidth) {
         return row;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -36,6 +37,11 @@ class ColorSampler {
                          layout_.FirstBlockOf(component) +
                          row * layout_.Component(component).horizontal + column) *
                             64;
+    }
+    // A line of the rectangle (repeating the last one past the bottom) as it is in the source,
+    // and extended to whole MCUs (in a copy if needed; `slot` 0 or 1 picks the copy).
+    const std::uint8_t* SourceRow(int line) const {
+        return source_.ScanLine(top_ + std::min(line, layout_.Height() - 1)) + 3 * left_;
     }
     const std::uint8_t* ExtendedRow(int line, int slot);
 

@@ -129,16 +129,13 @@ void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
         const int blockRow = line / 8;
         const int rowInBlock = (line % 8) * 8;
         const int chromaRow = (line / 2) * 8;
-        // Two lines further down, for the prefetches.
-        const std::ptrdiff_t prefetchDistance =
-            2 * static_cast<std::ptrdiff_t>(source_.BytesPerScanLine());
+        // The next pair of lines is read right after this one: ask for it early.
+        const std::uint8_t* nextUpper = SourceRow(mcuRow * 16 + line + 2);
+        const std::uint8_t* nextLower = SourceRow(mcuRow * 16 + line + 3);
         std::int16_t* mcu = blocks;
         for (int mx = 0; mx < layout_.McusAcross(); ++mx, mcu += 6 * 64) {
-            // The next pair of lines is read right after this one: ask for it early.
-            _mm_prefetch(reinterpret_cast<const char*>(upper + 48 * mx + prefetchDistance),
-                         _MM_HINT_T0);
-            _mm_prefetch(reinterpret_cast<const char*>(lower + 48 * mx + prefetchDistance),
-                         _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(nextUpper + 48 * mx), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(nextLower + 48 * mx), _MM_HINT_T0);
             const PixelWords a = LoadPixels(upper + 48 * mx, shuffles);
             const PixelWords b = LoadPixels(lower + 48 * mx, shuffles);
 
