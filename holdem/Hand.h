@@ -41,8 +41,9 @@ inline constexpr std::uint64_t kLowHalfMask = 0x3FFF;
 inline constexpr std::uint64_t kHighHalfMask = 0xFFFF;
 inline constexpr int kSuitLaneBits = 16;
 
-// Smallest increasing keys whose sums over any pattern of up to seven cards, at most four of a
-// rank, are all different (found by a greedy search; the evaluator re-checks when it builds).
+// Rank keys for either half: each is the smallest number above the one before that keeps the sums
+// of every pattern of up to seven cards, at most four of a rank, all different. The evaluator
+// checks this again when it builds its tables.
 inline constexpr std::array<std::uint32_t, 7> kRankKeys = {1, 5, 24, 112, 521, 2247, 9244};
 
 constexpr std::uint64_t RankKey(int rankIndex) {
