@@ -30,6 +30,8 @@ Connection::Connection(asio::ip::tcp::socket socket, ServerContext& context,
       pingTimer_(socket_.get_executor()),
       deadline_(socket_.get_executor()),
       paceTimer_(socket_.get_executor()),
+      inboundReady_(socket_.get_executor()),
+      inboundSpace_(socket_.get_executor()),
       queue_(context.config.outgoingQueueLimit),
       cutter_(context.config.maxPayload),
       rateLimiter_(context.config.framesPerSecond, context.config.floodLimit,
@@ -46,6 +48,7 @@ void Connection::start() {
     }
     Log::info("connection from " + peerAddress_);
     spawn(readLoop());
+    spawn(handleLoop());
     spawn(writeLoop());
     spawn(pingLoop());
     spawn(deadlineLoop());
@@ -78,6 +81,8 @@ void Connection::stop(std::string_view reason) {
     socket_.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
     socket_.close(ignored);
     writeSignal_.cancel();
+    inboundReady_.cancel();
+    inboundSpace_.cancel();
     pingTimer_.cancel();
     deadline_.cancel();
     paceTimer_.cancel();
@@ -105,6 +110,8 @@ void Connection::finish(std::string_view reason) {
     Log::info("closing " + peerAddress_ + ": " + std::string(reason));
     handler_.disconnected();
     writeSignal_.cancel_one();
+    inboundReady_.cancel();
+    inboundSpace_.cancel();
     deadline_.expires_after(kFinishGrace);
 }
 
@@ -128,15 +135,11 @@ asio::awaitable<void> Connection::readLoop() {
             continue;
         }
         cutter_.Append(std::string_view(buffer.data(), count));
-        // While frames are being handled the client's "Pong"s wait behind them unread; the
-        // pinger must not blame the client for that.
-        readerBusy_ = true;
-        co_await handleBufferedFrames();
-        readerBusy_ = false;
+        co_await takeBufferedFrames();
     }
 }
 
-asio::awaitable<void> Connection::handleBufferedFrames() {
+asio::awaitable<void> Connection::takeBufferedFrames() {
     while (!stopped_ && !finishing_) {
         protocol::CutResult cut = cutter_.Next();
         if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
@@ -158,8 +161,36 @@ asio::awaitable<void> Connection::handleBufferedFrames() {
             unansweredPings_ = 0;
             continue;
         }
-        co_await handler_.handle(std::move(cut.frame));
+        // The reader waits here while the handler works through a backlog, so that a client
+        // cannot queue up unbounded work; TCP then slows the client down. Meanwhile "Pong"s wait
+        // unread, and the pinger must not blame the client for that.
+        readerBusy_ = true;
+        while (inbound_.size() >= kInboundLimit && !stopped_ && !finishing_) {
+            co_await waitFor(inboundSpace_);
+        }
+        readerBusy_ = false;
+        inbound_.push_back(std::move(cut.frame));
+        inboundReady_.cancel_one();
     }
+}
+
+asio::awaitable<void> Connection::handleLoop() {
+    auto self = shared_from_this();
+    while (!stopped_ && !finishing_) {
+        if (inbound_.empty()) {
+            co_await waitFor(inboundReady_);
+            continue;
+        }
+        protocol::Frame frame = std::move(inbound_.front());
+        inbound_.pop_front();
+        inboundSpace_.cancel_one();
+        co_await handler_.handle(std::move(frame));
+    }
+}
+
+asio::awaitable<void> Connection::waitFor(asio::steady_timer& signal) {
+    signal.expires_at(asio::steady_timer::time_point::max());
+    co_await signal.async_wait(kAwaitResult);
 }
 
 asio::awaitable<bool> Connection::pace() {
@@ -171,8 +202,10 @@ asio::awaitable<bool> Connection::pace() {
         co_return false;
     }
     if (verdict.kind == FrameRateLimiter::Verdict::Kind::kDelay) {
+        readerBusy_ = true;  // as while waiting for the handler
         paceTimer_.expires_after(verdict.delay);
         co_await paceTimer_.async_wait(kAwaitResult);
+        readerBusy_ = false;
     }
     co_return !stopped_;
 }

@@ -3,6 +3,7 @@
 #include <asio/awaitable.hpp>
 #include <asio/ip/tcp.hpp>
 #include <asio/steady_timer.hpp>
+#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -17,10 +18,12 @@
 
 namespace tavren::server {
 
-// One client's TCP connection: a reader that cuts frames out of the stream, paces them and hands
-// them to the SessionHandler one at a time; a writer that drains the outgoing queue; a pinger;
-// and a deadline for logging in. Each is a coroutine holding the connection alive; stop() closes
-// the socket and wakes them all, and the connection is gone once the last one has returned.
+// One client's TCP connection, as five coroutines: a reader that cuts frames out of the stream,
+// paces them and queues them; a handler loop that gives them to the SessionHandler one at a time,
+// in order; a writer that drains the outgoing queue; a pinger; and a deadline for logging in.
+// Reading goes on while a request is being handled, so a client that hangs up is noticed at once
+// and the work it left behind is skipped. Each coroutine holds the connection alive; stop()
+// closes the socket and wakes them all, and the connection is gone once the last has returned.
 class Connection : public ClientLink, public std::enable_shared_from_this<Connection> {
   public:
     Connection(asio::ip::tcp::socket socket, ServerContext& context, AddressLimiter::Slot slot,
@@ -35,8 +38,13 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     const std::string& peerAddress() const override { return peerAddress_; }
 
   private:
+    // Frames read but not yet handled; the reader stops reading while this many wait.
+    static constexpr std::size_t kInboundLimit = 16;
+
     asio::awaitable<void> readLoop();
-    asio::awaitable<void> handleBufferedFrames();
+    asio::awaitable<void> takeBufferedFrames();
+    asio::awaitable<void> handleLoop();
+    asio::awaitable<void> waitFor(asio::steady_timer& signal);
     asio::awaitable<void> writeLoop();
     asio::awaitable<void> pingLoop();
     asio::awaitable<void> deadlineLoop();
@@ -52,7 +60,10 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     asio::steady_timer pingTimer_;
     asio::steady_timer deadline_;
     asio::steady_timer paceTimer_;
+    asio::steady_timer inboundReady_;  // cancelled when a frame is queued
+    asio::steady_timer inboundSpace_;  // cancelled when a frame is taken
     OutgoingQueue queue_;
+    std::deque<protocol::Frame> inbound_;
     protocol::FrameCutter cutter_;
     FrameRateLimiter rateLimiter_;
     SessionHandler handler_;

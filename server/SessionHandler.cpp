@@ -31,13 +31,15 @@ asio::awaitable<void> SessionHandler::handle(protocol::Frame frame) {
         Log::warn("storage failed while serving " + link_.peerAddress() + ": " + error.what());
         link_.send(replies::kNotice,
                    "The server could not complete your request. Please try again later.");
+    } catch (const PasswordWorker::Skipped&) {
+        // Nobody is waiting for the answer any more.
     } catch (const std::exception& error) {
         Log::warn("request from " + link_.peerAddress() + " failed: " + error.what());
     }
 }
 
 asio::awaitable<void> SessionHandler::dispatch(protocol::Frame& frame) {
-    if (ended_) {
+    if (*ended_) {
         co_return;
     }
     const protocol::CodePair code = frame.code;
@@ -132,11 +134,11 @@ asio::awaitable<void> SessionHandler::onCredentials(const std::string& payload) 
     }
     std::optional<Account> account = context_.accounts.findByName(name);
     if (!account) {
-        co_await context_.passwords.verifyAgainstDecoy(password);
+        co_await context_.passwords.verifyAgainstDecoy(password, ended_);
         refuseLogin(name, "unknown name");
         co_return;
     }
-    if (!co_await context_.passwords.verify(account->passwordHash, password)) {
+    if (!co_await context_.passwords.verify(account->passwordHash, password, ended_)) {
         refuseLogin(name, "wrong password");
         co_return;
     }
@@ -189,7 +191,7 @@ asio::awaitable<void> SessionHandler::onSignUp(const std::string& payload) {
         refuseSignUp(account.name, "That name is taken.");
         co_return;
     }
-    account.passwordHash = co_await context_.passwords.hash(password);
+    account.passwordHash = co_await context_.passwords.hash(password, ended_);
     if (!context_.accounts.create(account)) {
         refuseSignUp(account.name, "That name is taken.");
         co_return;
@@ -207,12 +209,12 @@ asio::awaitable<void> SessionHandler::onChangePassword(const std::string& payloa
         link_.send(replies::kNotice, "Your password was not changed. " + problem);
         co_return;
     }
-    if (!co_await context_.passwords.verify(account_->passwordHash, current)) {
+    if (!co_await context_.passwords.verify(account_->passwordHash, current, ended_)) {
         link_.send(replies::kNotice,
                    "Your password was not changed: the current password is wrong.");
         co_return;
     }
-    std::string newHash = co_await context_.passwords.hash(replacement);
+    std::string newHash = co_await context_.passwords.hash(replacement, ended_);
     context_.accounts.setPasswordHash(account_->id, newHash);
     account_->passwordHash = std::move(newHash);
     Log::info(account_->name + " changed the password");
@@ -270,10 +272,10 @@ void SessionHandler::countFailure() {
 }
 
 void SessionHandler::disconnected() {
-    if (ended_) {
+    if (*ended_) {
         return;
     }
-    ended_ = true;
+    *ended_ = true;
     if (stage_ == Stage::kLoggedIn) {
         context_.presence.leave(account_->name, &link_);
         Log::info(account_->name + " went offline");

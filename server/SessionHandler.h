@@ -1,6 +1,7 @@
 #pragma once
 
 #include <asio/awaitable.hpp>
+#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -58,7 +59,8 @@ class SessionHandler {
     std::optional<Account> account_;
     int failures_ = 0;
     bool accountCreated_ = false;
-    bool ended_ = false;
+    // Set once the session is over; also tells queued password work that nobody waits for it.
+    std::shared_ptr<std::atomic<bool>> ended_ = std::make_shared<std::atomic<bool>>(false);
 };
 
 }  // namespace tavren::server

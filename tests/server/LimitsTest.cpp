@@ -150,5 +150,25 @@ TEST_F(LimitsTest, AClientThatDoesNotReadIsDropped) {
     EXPECT_NE(server_->log().find("outgoing queue full"), std::string::npos);
 }
 
+TEST_F(LimitsTest, PasswordChecksForClientsThatHungUpAreSkipped) {
+    addAccount("alice", "secret1");
+    startServer({"--max-per-address", "100"});
+    // Each check costs real time; twenty clients that send a password and leave at once must not
+    // make the next member wait for twenty checks nobody reads.
+    for (int i = 0; i < 20; ++i) {
+        auto client = connect();
+        client->send(in::kVersionBeforeLogin, "1.0.0");
+        client->send(in::kCredentials, "alice:wrong" + std::to_string(i));
+    }
+    logIn("alice", "secret1");
+    const std::string log = server_->log();
+    std::size_t checked = 0;
+    for (auto at = log.find("wrong password"); at != std::string::npos;
+         at = log.find("wrong password", at + 1)) {
+        ++checked;
+    }
+    EXPECT_LT(checked, 10u);
+}
+
 }  // namespace
 }  // namespace tavren::test
