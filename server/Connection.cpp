@@ -65,6 +65,8 @@ void Connection::spawn(asio::awaitable<void> loop) {
                 std::rethrow_exception(failure);
             } catch (const std::exception& error) {
                 Log::warn("connection " + self->peerAddress_ + " failed: " + error.what());
+            } catch (...) {
+                Log::warn("connection " + self->peerAddress_ + " failed");
             }
             self->stop("internal error");
         });
