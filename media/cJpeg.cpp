@@ -11,7 +11,6 @@
 namespace tavren {
 
 cJpeg::cJpeg() {
-    quality_ = 0;
     SetQuality(kDefaultQuality);
     SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
 }

@@ -5,6 +5,9 @@
 #include <cstdlib>
 #include <new>
 #include <utility>
+#ifdef _MSC_VER
+#include <malloc.h>
+#endif
 
 namespace tavren::jpeg {
 
@@ -22,20 +25,23 @@ class AlignedBuffer {
         Swap(other);
         return *this;
     }
-    ~AlignedBuffer() { std::free(data_); }
+    ~AlignedBuffer() { Free(data_); }
 
     // Makes room for count elements; the contents are unspecified unless keepContents is set.
     void Resize(std::size_t count, bool keepContents = false) {
         if (count > capacity_) {
+            if (count > (static_cast<std::size_t>(-1) - 63) / sizeof(T)) {
+                throw std::bad_alloc();
+            }
             const std::size_t bytes = ((count * sizeof(T) + 63) / 64) * 64;
-            T* grown = static_cast<T*>(std::aligned_alloc(64, bytes));
+            T* grown = static_cast<T*>(Allocate(bytes));
             if (grown == nullptr) {
                 throw std::bad_alloc();
             }
             if (keepContents && data_ != nullptr) {
                 std::copy(data_, data_ + size_, grown);
             }
-            std::free(data_);
+            Free(data_);
             data_ = grown;
             capacity_ = bytes / sizeof(T);
         }
@@ -43,7 +49,7 @@ class AlignedBuffer {
     }
 
     void Release() {
-        std::free(data_);
+        Free(data_);
         data_ = nullptr;
         size_ = capacity_ = 0;
     }
@@ -55,6 +61,21 @@ class AlignedBuffer {
     const T& operator[](std::size_t i) const { return data_[i]; }
 
   private:
+    static void* Allocate(std::size_t bytes) {
+#ifdef _MSC_VER
+        return _aligned_malloc(bytes, 64);
+#else
+        return std::aligned_alloc(64, bytes);
+#endif
+    }
+    static void Free(void* memory) {
+#ifdef _MSC_VER
+        _aligned_free(memory);
+#else
+        std::free(memory);
+#endif
+    }
+
     void Swap(AlignedBuffer& other) noexcept {
         std::swap(data_, other.data_);
         std::swap(size_, other.size_);

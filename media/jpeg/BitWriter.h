@@ -5,6 +5,16 @@
 
 namespace tavren::jpeg {
 
+// The file wants the most significant byte first; on the little-endian machines we build for,
+// a byte swap turns a word into file order.
+inline std::uint64_t ByteSwap64(std::uint64_t value) {
+#ifdef _MSC_VER
+    return _byteswap_uint64(value);
+#else
+    return __builtin_bswap64(value);
+#endif
+}
+
 // Packs Huffman codes and value bits, most significant bit first. Bits collect in a 64-bit word
 // that goes out eight bytes at a time. With stuffing (the entropy-coded segment itself) a data
 // byte 0xFF is followed by a 0x00 so that it cannot be read as a marker; without it (a piece of
@@ -38,7 +48,7 @@ class BasicBitWriter {
         for (; p + 8 <= piece.Position(); p += 8) {
             std::uint64_t bigEndian;
             std::memcpy(&bigEndian, p, 8);
-            PutWord(__builtin_bswap64(bigEndian));
+            PutWord(ByteSwap64(bigEndian));
         }
         for (; p < piece.Position(); ++p) {
             Put(*p, 8);
@@ -100,7 +110,7 @@ class BasicBitWriter {
         constexpr std::uint64_t kTop = 0x8080808080808080ull;
         constexpr std::uint64_t kOnes = 0x0101010101010101ull;
         if (!kStuffing || (word & ((word & kLow7) + kOnes) & kTop) == 0) {
-            const std::uint64_t bigEndian = __builtin_bswap64(word);
+            const std::uint64_t bigEndian = ByteSwap64(word);
             std::memcpy(out_, &bigEndian, 8);
             out_ += 8;
             return;

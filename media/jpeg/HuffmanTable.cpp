@@ -105,7 +105,7 @@ HuffmanTable HuffmanTable::Optimal(const Frequencies& frequencies) {
     return table;
 }
 
-HuffmanTable HuffmanTable::FromSpecification(const std::array<std::uint8_t, 17>& bits,
+HuffmanTable HuffmanTable::FromBitsAndValues(const std::array<std::uint8_t, 17>& bits,
                                              const std::vector<std::uint8_t>& values) {
     HuffmanTable table;
     table.bits_ = bits;

@@ -23,7 +23,7 @@ class HuffmanTable {
 
     // Takes BITS (index 1..16 used) and HUFFVAL as read from a file and derives the codes.
     // Raises "Bad Huffman Table" when the counts are impossible or the codes overflow.
-    static HuffmanTable FromSpecification(const std::array<std::uint8_t, 17>& bits,
+    static HuffmanTable FromBitsAndValues(const std::array<std::uint8_t, 17>& bits,
                                           const std::vector<std::uint8_t>& values);
 
     const std::array<std::uint8_t, 17>& Bits() const { return bits_; }

@@ -97,10 +97,10 @@ TEST(HuffmanTable, SkewedCountsAreLimitedToSixteenBits) {
     ExpectSoundTable(HuffmanTable::Optimal(frequencies), frequencies);
 }
 
-TEST(HuffmanTable, InconsistentSpecificationsAreBadHuffmanTables) {
+TEST(HuffmanTable, InconsistentCountsAreBadHuffmanTables) {
     auto expectBad = [](std::array<std::uint8_t, 17> bits, std::vector<std::uint8_t> values) {
         try {
-            HuffmanTable::FromSpecification(bits, values);
+            HuffmanTable::FromBitsAndValues(bits, values);
             ADD_FAILURE() << "accepted";
         } catch (const JpegError& e) {
             EXPECT_STREQ(e.what(), "Bad Huffman Table");
@@ -112,7 +112,7 @@ TEST(HuffmanTable, InconsistentSpecificationsAreBadHuffmanTables) {
     expectBad({0, 1, 1}, {1});              // counts and values disagree
     expectBad({0, 1, 1}, {3, 3});           // a symbol twice
 
-    const HuffmanTable good = HuffmanTable::FromSpecification({0, 1, 1}, {7, 9});
+    const HuffmanTable good = HuffmanTable::FromBitsAndValues({0, 1, 1}, {7, 9});
     EXPECT_EQ(good.Code(7), 0b0);
     EXPECT_EQ(good.Code(9), 0b10);
     EXPECT_EQ(good.Length(9), 2);
