@@ -42,8 +42,13 @@ void cJpeg::SampleHDC(const cImage& source, int width, int height, int x, int y)
         height > source.Height() - y) {
         throw std::out_of_range("SampleHDC: rectangle outside the picture");
     }
-    sampled_.Prepare(width, height, sampling_);
-    jpeg::FrameTransformer::Transform(source, x, y, sampled_, ThreadsNow());
+    try {
+        sampled_.Prepare(width, height, sampling_);
+        jpeg::FrameTransformer::Transform(source, x, y, sampled_, ThreadsNow());
+    } catch (...) {
+        sampled_.Clear();  // never encode half a picture
+        throw;
+    }
 }
 
 void cJpeg::SetComment(std::string comment) {

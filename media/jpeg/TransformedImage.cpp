@@ -13,8 +13,8 @@ void TransformedImage::Prepare(int width, int height,
     if (components.empty() || components.size() > kMaxComponents) {
         throw std::invalid_argument("component count");
     }
-    width_ = width;
-    height_ = height;
+    // Empty until the storage is in place, so a failed allocation leaves nothing half made.
+    Clear();
     components_ = components;
     maxHorizontal_ = 1;
     maxVertical_ = 1;
@@ -22,15 +22,22 @@ void TransformedImage::Prepare(int width, int height,
         maxHorizontal_ = std::max(maxHorizontal_, c.horizontal);
         maxVertical_ = std::max(maxVertical_, c.vertical);
     }
-    mcusAcross_ = (width_ + McuWidth() - 1) / McuWidth();
-    mcusDown_ = (height_ + McuHeight() - 1) / McuHeight();
     mcuBlockComponent_.clear();
     for (int c = 0; c < ComponentCount(); ++c) {
         firstBlock_[c] = BlocksPerMcu();
         const int blocks = components_[c].horizontal * components_[c].vertical;
         mcuBlockComponent_.insert(mcuBlockComponent_.end(), blocks, static_cast<std::uint8_t>(c));
     }
+    mcusAcross_ = (width + McuWidth() - 1) / McuWidth();
+    mcusDown_ = (height + McuHeight() - 1) / McuHeight();
     blocks_.Resize(BlockCount() * 64);
+    width_ = width;
+    height_ = height;
+}
+
+void TransformedImage::Clear() {
+    width_ = 0;
+    height_ = 0;
 }
 
 }  // namespace tavren::jpeg

@@ -30,6 +30,8 @@ class TransformedImage {
     // the caller. Width and height are 1..65535.
     void Prepare(int width, int height, const std::vector<ComponentSampling>& components);
 
+    // Forgets the picture (the storage is kept for the next one).
+    void Clear();
     bool Empty() const { return width_ == 0; }
     int Width() const { return width_; }
     int Height() const { return height_; }
