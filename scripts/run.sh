@@ -1,12 +1,41 @@
 #!/usr/bin/env bash
-# Builds and runs the client. Installs missing Debian packages first. On a machine without a
-# display the client is shown on a virtual X server (Xvfb).
+# Builds the client and the server, starts a local tavrend in the background (its own database
+# under the client's data root), runs the client pointed at it ("{default server #1}" and
+# "{default port}" are 127.0.0.1:5678 in a default build) and stops the server when the client
+# exits. Installs missing Debian packages first. On a machine without a display the client is
+# shown on a virtual X server (Xvfb).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 bash scripts/deps.sh --with-display
-bash scripts/build.sh tavren
+bash scripts/build.sh tavren tavrend
+
+data_root="${TAVREN_HOME:-$HOME/.local/share/Tavren/Tavren}"
+server_dir="$data_root/server"
+mkdir -p "$server_dir"
+server_log="$server_dir/tavrend.log"
+
+build/bin/tavrend --listen 127.0.0.1:5678 --db "$server_dir/tavrend.db" >"$server_log" 2>&1 &
+server_pid=$!
+stop_server() {
+    kill "$server_pid" 2>/dev/null || true
+    wait "$server_pid" 2>/dev/null || true
+}
+trap stop_server EXIT
+
+# Wait until it listens; a server that cannot start (port taken by another one) is reported.
+for _ in $(seq 1 100); do
+    grep -q "listening on" "$server_log" && break
+    if ! kill -0 "$server_pid" 2>/dev/null; then
+        echo "tavrend did not start; its log ($server_log):" >&2
+        cat "$server_log" >&2
+        exit 1
+    fi
+    sleep 0.1
+done
+echo "tavrend is serving on 127.0.0.1:5678 (log: $server_log)"
 
 if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ]; then
-    exec xvfb-run -a build/bin/tavren "$@"
+    xvfb-run -a build/bin/tavren "$@"
+else
+    build/bin/tavren "$@"
 fi
-exec build/bin/tavren "$@"

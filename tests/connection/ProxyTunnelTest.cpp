@@ -42,6 +42,7 @@ class Tinyproxy {
                          .toUtf8());
         config.close();
         process_.setProcessChannelMode(QProcess::MergedChannels);
+        test::TavrendProcess::endWithParent(process_);
         process_.start(binary, {QStringLiteral("-d"), QStringLiteral("-c"), config.fileName()});
         if (!process_.waitForStarted(5000)) {
             return false;

@@ -5,9 +5,25 @@
 
 #include "Wait.h"
 
+#ifdef Q_OS_LINUX
+#include <sys/prctl.h>
+
+#include <csignal>
+#endif
+
 namespace tavren::test {
 
-TavrendProcess::TavrendProcess(QString databasePath) : databasePath_(std::move(databasePath)) {}
+TavrendProcess::TavrendProcess(QString databasePath) : databasePath_(std::move(databasePath)) {
+    endWithParent(process_);
+}
+
+void TavrendProcess::endWithParent(QProcess& process) {
+#ifdef Q_OS_LINUX
+    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); });
+#else
+    (void)process;
+#endif
+}
 
 TavrendProcess::~TavrendProcess() {
     stop();

@@ -24,6 +24,9 @@ class TavrendProcess {
     bool addAccount(const QString& name, const QString& password);
     QString log() const { return log_; }
 
+    // A helper process must not outlive a test binary that crashed.
+    static void endWithParent(QProcess& process);
+
   private:
     QString databasePath_;
     QProcess process_;
