@@ -1,10 +1,16 @@
 #include <gtest/gtest.h>
 
+#include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
+#include <QTreeWidget>
 
 #include "ClientUnderTest.h"
 #include "TavrendProcess.h"
 #include "Wait.h"
+#include "core/ui/ChatLogin.h"
+#include "core/ui/ConnectionWindows.h"
+#include "core/ui/SignUpDialog.h"
 
 namespace tavren {
 namespace {
@@ -64,6 +70,42 @@ TEST_F(ServerIntegrationTest, ANewMemberSignsUpAndIsLoggedInOnTheSameConnection)
     ASSERT_TRUE(waitUntil([&] { return !scores.isEmpty() && !onlineCounts.isEmpty(); }));
     EXPECT_EQ(onlineCounts.last(), QStringLiteral("Online: 1"));
     EXPECT_EQ(scores.last(), QStringLiteral("Tavren Score: 0"));
+}
+
+TEST_F(ServerIntegrationTest, APersonSignsUpAndLogsInThroughTheWindows) {
+    QWidget owner;
+    ConnectionWindows windows(*client.session, client.prompter, &owner);
+    ChatLogin& login = windows.login();
+    login.show();
+    ASSERT_EQ(login.loginButton()->text(), QStringLiteral("&Sign Up Now!!"));
+
+    client.prompter.answers = {Prompter::Answer::No};
+    login.loginButton()->click();
+    ASSERT_TRUE(waitUntil(
+        [&] { return login.signUpDialog() != nullptr && login.signUpDialog()->isVisible(); }));
+    SignUpDialog* dialog = login.signUpDialog();
+    const auto field = [dialog](const char* name) {
+        return dialog->findChild<QLineEdit*>(QString::fromLatin1(name));
+    };
+    field("signUpName")->setText(QStringLiteral("Carol"));
+    field("signUpPassword")->setText(QStringLiteral("tea-party"));
+    field("signUpConfirmation")->setText(QStringLiteral("tea-parti"));
+    field("signUpEmail")->setText(QStringLiteral("carol@example.org"));
+    dialog->accept();
+    EXPECT_TRUE(dialog->isVisible()) << "mismatched passwords are caught before sending";
+    field("signUpConfirmation")->setText(QStringLiteral("tea-party"));
+    dialog->accept();
+
+    ASSERT_TRUE(loggedIn()) << client.errors().toStdString();
+    ASSERT_TRUE(waitUntil([&] { return !login.isVisible(); })) << "the login window steps aside";
+    EXPECT_EQ(login.accountList()->topLevelItem(1)->text(0), QStringLiteral("Carol"));
+
+    // Logging off brings the login window back, ready to log in again.
+    windows.loginOrLogOff();
+    EXPECT_TRUE(login.isVisible());
+    EXPECT_EQ(login.loginButton()->text(), QStringLiteral("&Login"));
+    login.loginButton()->click();
+    ASSERT_TRUE(loggedIn(2)) << client.errors().toStdString();
 }
 
 TEST_F(ServerIntegrationTest, SavedAccountsLogInAndWrongPasswordsOrNamesAreRefused) {
