@@ -3,12 +3,13 @@
 namespace tavren {
 
 ClientSession::ClientSession(const QString& dataRoot, AutostartRegistrar* autostart,
-                             QObject* parent)
+                             Prompter& prompter, QObject* parent)
     : QObject(parent),
       dataRoot_(dataRoot),
       store_(),
       settings_(store_, dataRoot, autostart),
       files_(dataRoot),
-      sounds_(settings_) {}
+      sounds_(settings_),
+      server_(settings_, prompter) {}
 
 }  // namespace tavren

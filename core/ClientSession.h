@@ -7,18 +7,21 @@
 #include "config/SettingsStore.h"
 #include "config/SoundPlayer.h"
 #include "contacts/DataFiles.h"
+#include "core/ServerSession.h"
 
 namespace tavren {
 
 class AutostartRegistrar;
+class Prompter;
 
 // The session-side objects of one running client, owned in one place and handed to the windows
-// by reference: the settings, the three data files and the sound player.
+// by reference: the settings, the three data files, the sound player and the server session.
 class ClientSession : public QObject {
     Q_OBJECT
   public:
     // `autostart` may be null (tests): saving the settings then leaves the OS start-up list alone.
-    ClientSession(const QString& dataRoot, AutostartRegistrar* autostart,
+    // `prompter` answers the questions the session layer asks (connection errors, sign-up).
+    ClientSession(const QString& dataRoot, AutostartRegistrar* autostart, Prompter& prompter,
                   QObject* parent = nullptr);
 
     QString dataRoot() const { return dataRoot_; }
@@ -30,6 +33,7 @@ class ClientSession : public QObject {
     IgnoreList& ignoreList() { return files_.ignore(); }
     PerformList& performList() { return files_.perform(); }
     SoundPlayer& sounds() { return sounds_; }
+    ServerSession& server() { return server_; }
 
   private:
     QString dataRoot_;
@@ -37,6 +41,7 @@ class ClientSession : public QObject {
     Settings settings_;
     DataFiles files_;
     SoundPlayer sounds_;
+    ServerSession server_;
 };
 
 }  // namespace tavren

@@ -5,6 +5,7 @@
 #include "core/DataRoot.h"
 #include "core/Startup.h"
 #include "core/ui/ChatMain.h"
+#include "core/ui/ConnectionWindows.h"
 #include "core/ui/MessageBoxPrompter.h"
 
 int main(int argc, char* argv[]) {
@@ -22,10 +23,13 @@ int main(int argc, char* argv[]) {
     }
 
     tavren::SystemAutostart autostart;
-    tavren::ClientSession session(dataRoot, &autostart);
+    tavren::ClientSession session(dataRoot, &autostart, prompter);
     tavren::ChatMain main(session);
     const QString problems = startup.loadUserData(session);
     main.show();
+    // The login window comes up beside the main window; with auto-login on, it logs straight in.
+    main.connectionWindows().showLogin();
+    session.server().login().autoLoginIfWanted();
     if (!problems.isEmpty()) {
         prompter.message(problems, QStringLiteral("Tavren"), tavren::Prompter::Icon::Warning);
     }

@@ -23,6 +23,7 @@
 #include "core/ConnectedClock.h"
 #include "core/ui/AboutDialog.h"
 #include "core/ui/AppIcon.h"
+#include "core/ui/ConnectionWindows.h"
 #include "core/ui/MessageBoxPrompter.h"
 
 namespace tavren {
@@ -35,23 +36,23 @@ const QString kOfflineCaption = QStringLiteral("Tavren Chat Offline (?\?)");
 ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     : QMainWindow(parent),
       session_(session),
-      prompter_(std::make_unique<MessageBoxPrompter>(this)),
-      clock_(new ConnectedClock(this)) {
+      prompter_(std::make_unique<MessageBoxPrompter>(this)) {
     setObjectName(kWindowName);
     setWindowIcon(AppIcon::make(false));
     setMinimumSize(220, 360);
+    connectionWindows_ = new ConnectionWindows(session_.server(), *prompter_, this);
     buildMenus();
     buildCentralArea();
     buildStatusBar();
     buildTrayIcon();
-    setOfflineLook();
+    setOnlineLook(false);
+    followServerSession();
 
     Settings& settings = session_.settings();
     connect(&settings, &Settings::changed, this, &ChatMain::applyViewSettings);
     connect(&settings, &Settings::showAdsChanged, this, &ChatMain::applyViewSettings);
     connect(&settings, &Settings::showToolsChanged, this, &ChatMain::applyViewSettings);
     connect(&session_.awayMessages(), &AwayMessages::changed, this, &ChatMain::rebuildAwayMenu);
-    connect(clock_, &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);
     applyViewSettings();
     rebuildAwayMenu();
 
@@ -83,23 +84,31 @@ QAction* ChatMain::addCommand(QMenu* menu, const QString& name, const QString& c
 
 void ChatMain::buildMenus() {
     QMenu* tavrenMenu = menuBar()->addMenu(QStringLiteral("&Tavren"));
-    addCommand(tavrenMenu, QStringLiteral("loginoff"), QStringLiteral("&Login.."), false);
-    addCommand(tavrenMenu, QStringLiteral("nickswitch"), QStringLiteral("S&witch Account.."),
-               false);
-    addCommand(tavrenMenu, QStringLiteral("currentnick"), QStringLiteral("&Current Account.."),
-               false);
+    ConnectionWindows* windows = connectionWindows_;
+    connect(addCommand(tavrenMenu, QStringLiteral("loginoff"), QStringLiteral("&Login.."), true),
+            &QAction::triggered, windows, &ConnectionWindows::loginOrLogOff);
+    connect(addCommand(tavrenMenu, QStringLiteral("nickswitch"),
+                       QStringLiteral("S&witch Account.."), true),
+            &QAction::triggered, windows, &ConnectionWindows::switchAccount);
+    connect(addCommand(tavrenMenu, QStringLiteral("currentnick"),
+                       QStringLiteral("&Current Account.."), false),
+            &QAction::triggered, windows, &ConnectionWindows::showCurrentAccount);
     tavrenMenu->addSeparator();
-    addCommand(tavrenMenu, QStringLiteral("changepassword"), QStringLiteral("Change &Password.."),
-               false);
-    addCommand(tavrenMenu, QStringLiteral("mnueditemail"), QStringLiteral("Change &E-mail.."),
-               false);
+    connect(addCommand(tavrenMenu, QStringLiteral("changepassword"),
+                       QStringLiteral("Change &Password.."), false),
+            &QAction::triggered, windows, &ConnectionWindows::changePassword);
+    connect(addCommand(tavrenMenu, QStringLiteral("mnueditemail"),
+                       QStringLiteral("Change &E-mail.."), false),
+            &QAction::triggered, windows, &ConnectionWindows::changeEmail);
     addCommand(tavrenMenu, QStringLiteral("formatnickname"), QStringLiteral("&Nickname Format.."),
                false);
     addCommand(tavrenMenu, QStringLiteral("editprofile"), QStringLiteral("Edit P&rofile.."), false);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("config"), QStringLiteral("&Settings.."), true),
             &QAction::triggered, this, [this] { openSettings(); });
-    addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Server C&onsole.."), false);
+    connect(addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Server C&onsole.."),
+                       true),
+            &QAction::triggered, windows, &ConnectionWindows::showConsole);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("exittavren"), QStringLiteral("E&xit"), true),
             &QAction::triggered, this, &QWidget::close);
@@ -213,12 +222,13 @@ void ChatMain::buildStatusBar() {
     onlineLabel_->setObjectName(QStringLiteral("onlineLabel"));
     scoreLabel_ = new QLabel(this);
     scoreLabel_->setObjectName(QStringLiteral("scoreLabel"));
-    timeLabel_ = new QLabel(clock_->text(), this);
+    timeLabel_ = new QLabel(session_.server().clock().text(), this);
     timeLabel_->setObjectName(QStringLiteral("connectedTime"));
     timeLabel_->setToolTip(QStringLiteral("Connected time (days:hours:minutes:seconds)"));
 
     statusBar()->addWidget(statusButton_);
     statusBar()->addWidget(onlineLabel_, 1);
+    statusBar()->addWidget(scoreLabel_);
     statusBar()->addPermanentWidget(timeLabel_);
 }
 
@@ -253,17 +263,43 @@ void ChatMain::buildTrayIcon() {
     tray_->show();
 }
 
-void ChatMain::setOfflineLook() {
+void ChatMain::setOnlineLook(bool online) {
+    for (const char* name : {"currentnick", "changepassword", "mnueditemail"}) {
+        actions_.value(QString::fromLatin1(name))->setEnabled(online);
+    }
+    actions_.value(QStringLiteral("loginoff"))
+        ->setText(online ? QStringLiteral("Log &Off") : QStringLiteral("&Login.."));
+    if (tray_ != nullptr) {
+        tray_->setIcon(AppIcon::make(online));
+    }
+    setWindowIcon(AppIcon::make(online));
+    if (online) {
+        return;
+    }
+    // Going offline undoes everything that login set up.
     setWindowTitle(kOfflineCaption);
+    if (tray_ != nullptr) {
+        tray_->setToolTip(kOfflineCaption);
+    }
     buddyCaption_->setText(QStringLiteral("Buddies (0)"));
     buddyTree_->clear();
     onlineLabel_->setText(QStringLiteral("Offline"));
     scoreLabel_->clear();
-    clock_->stop();
-    if (tray_ != nullptr) {
-        tray_->setToolTip(kOfflineCaption);
-        tray_->setIcon(AppIcon::make(false));
-    }
+}
+
+void ChatMain::followServerSession() {
+    ServerSession& server = session_.server();
+    connect(&server, &ServerSession::onlineChanged, this, &ChatMain::setOnlineLook);
+    connect(&server, &ServerSession::captionChanged, this, [this](const QString& caption) {
+        setWindowTitle(caption);
+        if (tray_ != nullptr) {
+            tray_->setToolTip(caption);
+        }
+    });
+    connect(&server, &ServerSession::onlineCountChanged, onlineLabel_, &QLabel::setText);
+    connect(&server, &ServerSession::scoreChanged, scoreLabel_, &QLabel::setText);
+    connect(&server, &ServerSession::paneClearRequested, pane_, &QTextBrowser::clear);
+    connect(&server.clock(), &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);
 }
 
 void ChatMain::applyViewSettings() {

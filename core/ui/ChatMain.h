@@ -18,7 +18,7 @@ class QTreeWidget;
 namespace tavren {
 
 class ClientSession;
-class ConnectedClock;
+class ConnectionWindows;
 class Prompter;
 
 // The shell: buddy list, news pane, status bar with the away button and connected time, tray
@@ -34,6 +34,7 @@ class ChatMain : public QMainWindow {
     QString connectedTimeText() const;
     QString paneText() const;
     QMenu* awayMenu() const { return awayMenu_; }
+    ConnectionWindows& connectionWindows() { return *connectionWindows_; }
 
     // Shows the settings window at one of its pages.
     void openSettings(ChatConfig::Page page = ChatConfig::Page::General);
@@ -50,7 +51,8 @@ class ChatMain : public QMainWindow {
     void rebuildAwayMenu();
     void onAwayMenuItem(const QString& key);
     void showAbout();
-    void setOfflineLook();
+    void setOnlineLook(bool online);
+    void followServerSession();
     QAction* addCommand(QMenu* menu, const QString& name, const QString& caption, bool available);
 
     ClientSession& session_;
@@ -66,7 +68,7 @@ class ChatMain : public QMainWindow {
     QLabel* scoreLabel_ = nullptr;
     QLabel* timeLabel_ = nullptr;
     QSystemTrayIcon* tray_ = nullptr;
-    ConnectedClock* clock_ = nullptr;
+    ConnectionWindows* connectionWindows_ = nullptr;
     QWidget* settingsWindow_ = nullptr;
 };
 

@@ -108,7 +108,7 @@ TEST_F(SchemeLibraryTest, SavingAsksForANameAndBeforeOverwriting) {
     EXPECT_EQ(library.read("Night"), second);
 
     // Backing out of the name box, or an empty name, saves nothing.
-    prompter.texts = {std::nullopt, QString("   ")};
+    prompter.texts = {QString(), QString("   ")};  // a null text is Cancel
     EXPECT_FALSE(library.saveAsking(prompter, first).has_value());
     EXPECT_FALSE(library.saveAsking(prompter, first).has_value());
     EXPECT_EQ(library.names(), QStringList{"Night"});

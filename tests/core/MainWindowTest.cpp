@@ -17,7 +17,7 @@ class MainWindowTest : public ::testing::Test {
     void SetUp() override {
         ASSERT_TRUE(root.isValid());
         qputenv("TAVREN_HOME", root.path().toUtf8());
-        session = std::make_unique<ClientSession>(root.path(), nullptr);
+        session = std::make_unique<ClientSession>(root.path(), nullptr, prompter);
         window = std::make_unique<ChatMain>(*session);
         Startup startup(root.path(), prompter);
         startup.loadUserData(*session);
@@ -78,7 +78,7 @@ TEST_F(MainWindowTest, ViewSwitchesPersistAtOnce) {
     EXPECT_FALSE(session->settings().values().playSounds);
 
     // A new session on the same store sees both switches.
-    ClientSession reloaded(root.path(), nullptr);
+    ClientSession reloaded(root.path(), nullptr, prompter);
     reloaded.settings().load();
     EXPECT_FALSE(reloaded.settings().showAds());
     EXPECT_FALSE(reloaded.settings().values().playSounds);

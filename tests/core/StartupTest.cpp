@@ -30,7 +30,7 @@ TEST_F(StartupTest, FreshDataRootGetsFoldersAssetsAndDefaultAwayMessages) {
     ASSERT_TRUE(startup.claimProcess());
     EXPECT_TRUE(prompter.asked.empty());
 
-    ClientSession session(root.path(), nullptr);
+    ClientSession session(root.path(), nullptr, prompter);
     EXPECT_EQ(startup.loadUserData(session), QString());
 
     const QDir dir(root.path());
@@ -66,7 +66,7 @@ TEST_F(StartupTest, ExistingDataFilesAreReadAtStart) {
 
     Startup startup(root.path(), prompter);
     ASSERT_TRUE(startup.claimProcess());
-    ClientSession session(root.path(), nullptr);
+    ClientSession session(root.path(), nullptr, prompter);
     startup.loadUserData(session);
     EXPECT_EQ(session.ignoreList().names(), (QStringList{"spammer", "other"}));
     EXPECT_EQ(session.performList().commands(), QStringList{"/join Lobby"});
