@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 
+// The main of test binaries whose session classes need an event loop but no widgets.
 int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
