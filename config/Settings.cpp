@@ -206,6 +206,13 @@ void Settings::setShowTools(bool shown) {
     emit showToolsChanged(shown);
 }
 
+void Settings::setPlaySounds(bool on) {
+    values_.playSounds = on;
+    store_.setValue(QString::fromLatin1(SettingsStore::Sounds), QStringLiteral("Play"),
+                    StoredValue::flagText(on));
+    emit changed();
+}
+
 QString Settings::soundFile(int slot) const {
     return SoundSlots::isValid(slot) ? values_.sounds[std::size_t(slot)] : QString();
 }

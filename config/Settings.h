@@ -53,6 +53,9 @@ class Settings : public QObject {
     bool showTools() const { return showTools_; }
     void setShowTools(bool shown);
 
+    // The main window's sound switch, written at once; emits changed().
+    void setPlaySounds(bool on);
+
     // The sound file of a slot, or SoundSlots::disabledText(); empty for an invalid slot.
     QString soundFile(int slot) const;
 

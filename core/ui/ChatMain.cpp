@@ -159,15 +159,8 @@ void ChatMain::buildMenus() {
     QAction* sounds =
         addCommand(viewMenu, QStringLiteral("playsounds"), QStringLiteral("Play &Sounds"), true);
     sounds->setCheckable(true);
-    connect(sounds, &QAction::triggered, this, [this](bool on) {
-        Settings& settings = session_.settings();
-        SettingsValues values = settings.values();
-        values.playSounds = on;
-        settings.setValues(values);
-        settings.store().setValue(QString::fromLatin1(SettingsStore::Sounds),
-                                  QStringLiteral("Play"),
-                                  on ? QStringLiteral("1") : QStringLiteral("0"));
-    });
+    connect(sounds, &QAction::triggered, this,
+            [this](bool on) { session_.settings().setPlaySounds(on); });
 
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
     addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."), false);
