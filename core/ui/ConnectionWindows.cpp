@@ -1,8 +1,10 @@
 #include "core/ui/ConnectionWindows.h"
 
 #include <QDesktopServices>
+#include <QScreen>
 #include <QUrl>
 #include <QWidget>
+#include <algorithm>
 
 #include "core/Prompter.h"
 #include "core/ServerSession.h"
@@ -15,6 +17,8 @@
 namespace tavren {
 
 namespace {
+constexpr int kWindowGap = 8;
+
 void bringForward(QWidget& window) {
     window.show();
     window.raise();
@@ -54,7 +58,22 @@ ChatConsole& ConnectionWindows::console() {
 }
 
 void ConnectionWindows::showLogin() {
-    bringForward(login());
+    const bool firstShow = login_ == nullptr;
+    ChatLogin& window = login();
+    if (firstShow && owner_ != nullptr && owner_->isVisible()) {
+        // Beside the main window rather than over it, on whichever side the screen has room.
+        window.adjustSize();
+        const QRect owner = owner_->frameGeometry();
+        QPoint place(owner.right() + kWindowGap, owner.top());
+        if (const QScreen* screen = owner_->screen()) {
+            const QRect area = screen->availableGeometry();
+            if (place.x() + window.width() > area.right()) {
+                place.setX(std::max(area.left(), owner.left() - window.width() - kWindowGap));
+            }
+        }
+        window.move(place);
+    }
+    bringForward(window);
 }
 
 void ConnectionWindows::loginOrLogOff() {
