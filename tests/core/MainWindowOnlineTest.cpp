@@ -1,0 +1,64 @@
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QDir>
+#include <QLabel>
+#include <QTemporaryDir>
+
+#include "connection/TavrendProcess.h"
+#include "connection/Wait.h"
+#include "core/ClientSession.h"
+#include "core/Startup.h"
+#include "core/ui/ChatMain.h"
+#include "support/ScriptedPrompter.h"
+
+namespace tavren {
+namespace {
+
+// The main window against the real server: logging in turns the whole shell online, and the
+// server going away turns it back, with the commands that need a login following along.
+TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
+    QTemporaryDir root;
+    ASSERT_TRUE(root.isValid());
+    qputenv("TAVREN_HOME", root.path().toUtf8());
+    test::TavrendProcess server(QDir(root.path()).filePath(QStringLiteral("tavrend.db")));
+    ASSERT_TRUE(server.addAccount(QStringLiteral("Alice"), QStringLiteral("wonderland")));
+    ASSERT_TRUE(server.start());
+
+    test::ScriptedPrompter prompter;
+    ClientSession session(root.path(), nullptr, prompter);
+    ChatMain window(session);
+    Startup startup(root.path(), prompter);
+    startup.loadUserData(session);
+    SettingsValues values = session.settings().values();
+    values.serverHost = QStringLiteral("127.0.0.1");
+    values.serverPort = QString::number(server.port());
+    session.settings().setValues(values);
+    window.show();
+
+    LoginFlow& login = session.server().login();
+    login.select(
+        session.server().accounts().add(QStringLiteral("Alice"), QStringLiteral("wonderland")));
+    login.clickLoginButton();
+    ASSERT_TRUE(test::waitUntil([&] { return session.server().online(); }))
+        << server.log().toStdString();
+
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Tavren Chat Online (Alice)"));
+    EXPECT_EQ(window.action(QStringLiteral("loginoff"))->text(), QStringLiteral("Log &Off"));
+    EXPECT_TRUE(window.action(QStringLiteral("currentnick"))->isEnabled());
+    EXPECT_TRUE(window.action(QStringLiteral("changepassword"))->isEnabled());
+    const auto* online = window.findChild<QLabel*>(QStringLiteral("onlineLabel"));
+    ASSERT_NE(online, nullptr);
+    EXPECT_TRUE(
+        test::waitUntil([&] { return online->text().startsWith(QStringLiteral("Online: ")); }));
+
+    server.stop();
+    ASSERT_TRUE(test::waitUntil([&] { return !session.server().online(); }));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Tavren Chat Offline (?\?)"));
+    EXPECT_EQ(online->text(), QStringLiteral("Offline"));
+    EXPECT_EQ(window.action(QStringLiteral("loginoff"))->text(), QStringLiteral("&Login.."));
+    EXPECT_FALSE(window.action(QStringLiteral("changepassword"))->isEnabled());
+}
+
+}  // namespace
+}  // namespace tavren
