@@ -5,26 +5,18 @@
 using tavren::PpmFile;
 
 TEST(PpmFile, ParsesHeadersWithCommentsAndScalesDeepSamples) {
-    std::string bytes = "P6\n# made by hand\n2 1 # size\n255\n";
-    bytes += std::string("\x01\x02\x03\xFF\xFE\xFD", 6);
-    const tavren::cImage picture = PpmFile::Parse(bytes);
-    ASSERT_EQ(picture.Width(), 2);
-    ASSERT_EQ(picture.Height(), 1);
-    EXPECT_EQ(picture.DIBitsPtr()[0], 1);
-    EXPECT_EQ(picture.DIBitsPtr()[5], 0xFD);
-
-    // Two bytes per sample above 255, scaled to 0..255.
-    std::string deep = "P6 1 1 65535\n";
-    deep += std::string("\xFF\xFF\x80\x00\x00\x00", 6);
-    const tavren::cImage wide = PpmFile::Parse(deep);
-    EXPECT_EQ(wide.DIBitsPtr()[0], 255);
-    EXPECT_EQ(wide.DIBitsPtr()[1], 128);
-    EXPECT_EQ(wide.DIBitsPtr()[2], 0);
-
-    // maxval 15: 15 is white.
-    const tavren::cImage small = PpmFile::Parse(std::string("P6 1 1 15\n\x0F\x00\x07", 13));
-    EXPECT_EQ(small.DIBitsPtr()[0], 255);
-    EXPECT_EQ(small.DIBitsPtr()[2], 119);
+    for (const auto& [file, expected] : std::vector<std::pair<std::string, std::vector<int>>>{
+             {std::string("P6\n# made by hand\n2 1 # size\n255\n\x01\x02\x03\xFF\xFE\xFD", 39),
+              {1, 2, 3, 255, 254, 253}},
+             // Two bytes a sample above 255, and every depth scaled to 0..255.
+             {std::string("P6 1 1 65535\n\xFF\xFF\x80\x00\x00\x00", 19), {255, 128, 0}},
+             {std::string("P6 1 1 15\n\x0F\x00\x07", 13), {255, 0, 119}}}) {
+        const tavren::cImage picture = PpmFile::Parse(file);
+        ASSERT_EQ(picture.Width(), static_cast<int>(expected.size()) / 3);
+        ASSERT_EQ(picture.Height(), 1);
+        EXPECT_EQ(std::vector<int>(picture.DIBitsPtr(), picture.DIBitsPtr() + expected.size()),
+                  expected);
+    }
 }
 
 TEST(PpmFile, RejectsDamagedFilesWithoutReadingPastThem) {

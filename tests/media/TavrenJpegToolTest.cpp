@@ -3,116 +3,90 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
+#include <fstream>
 
 #include "media/PpmFile.h"
-#include "media/cJpeg.h"
-#include "media/support/FileBytes.h"
 #include "media/support/JpegInspector.h"
+#include "media/support/TestHelpers.h"
 #include "media/support/TestPictures.h"
-#include "media/support/TurboDecoder.h"
 
 namespace fs = std::filesystem;
+using namespace tavren::test;
+
+#ifndef TAVREN_JPEG_TOOL
+#define TAVREN_JPEG_TOOL ""
+#endif
 
 namespace {
-
-struct ToolRun {
-    int exitCode = -1;
-    std::string errors;
-};
 
 class TavrenJpegTool : public testing::Test {
   protected:
     void SetUp() override {
-#ifdef TAVREN_JPEG_TOOL
-        tool_ = TAVREN_JPEG_TOOL;
-#else
-        GTEST_SKIP() << "the tool is not built";
-#endif
-        const char* home = std::getenv("TAVREN_HOME");
-        folder_ =
-            (home != nullptr ? fs::path(home) : fs::temp_directory_path()) / "tavren-jpeg-tool";
-        fs::create_directories(folder_);
-        picture_ = tavren::test::MakeTestPicture(45, 31);
-        input_ = folder_ / "in.ppm";
+        if (std::string_view(TAVREN_JPEG_TOOL).empty()) {
+            GTEST_SKIP() << "the tool is not built";
+        }
         tavren::PpmFile::Write(input_, picture_);
     }
 
-    ToolRun Tool(const std::string& arguments) {
-        const fs::path errors = folder_ / "stderr.txt";
-        const std::string command =
-            "'" + tool_.string() + "' " + arguments + " 2> '" + errors.string() + "'";
-        ToolRun run;
+    // Runs the tool with the options, then the input and output files (quoted for the shell);
+    // gives its exit code and what it wrote to stderr.
+    std::pair<int, std::string> Tool(const std::string& options, const fs::path& input,
+                                     const fs::path& output) {
+        const fs::path errors = TestFolder() / "stderr.txt";
+        const std::string command = std::string("'") + TAVREN_JPEG_TOOL + "' " + options + " '" +
+                                    input.string() + "' '" + output.string() + "' 2> '" +
+                                    errors.string() + "'";
         const int status = std::system(command.c_str());
-        run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        const std::vector<std::uint8_t> text = tavren::test::ReadFileBytes(errors);
-        run.errors.assign(text.begin(), text.end());
-        return run;
+        const std::vector<std::uint8_t> text = ReadFileBytes(errors);
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, {text.begin(), text.end()}};
     }
 
-    std::vector<std::uint8_t> Output(const fs::path& path) {
-        return tavren::test::ReadFileBytes(path);
-    }
-
-    fs::path tool_;
-    fs::path folder_;
-    fs::path input_;
-    tavren::cImage picture_;
+    const tavren::cImage picture_ = MakeTestPicture(45, 31);
+    const fs::path input_ = TestFolder() / "in.ppm";
+    const fs::path output_ = TestFolder() / "out.jpg";
 };
 
 }  // namespace
 
-TEST_F(TavrenJpegTool, DefaultsToTheScreenCaptureSettings) {
-    const fs::path out = folder_ / "default.jpg";
-    const ToolRun run = Tool("'" + input_.string() + "' '" + out.string() + "'");
-    ASSERT_EQ(run.exitCode, 0) << run.errors;
-    const std::vector<std::uint8_t> bytes = Output(out);
-    const tavren::test::JpegInspection file = tavren::test::InspectJpeg(bytes);
-    ASSERT_EQ(file.error, "");
-    ASSERT_EQ(file.components.size(), 3u);
-    EXPECT_EQ(file.components[0].horizontal, 2);
-    EXPECT_EQ(file.components[0].vertical, 2);
+TEST_F(TavrenJpegTool, DefaultsToTheScreenCaptureSettingsAndPassesItsOptionsOn) {
+    auto [exitCode, errors] = Tool("", input_, output_);
+    ASSERT_EQ(exitCode, 0) << errors;
     // Byte for byte what the class makes with quality 65 and 4:2:0.
-    tavren::cJpeg jpeg;
-    jpeg.SetQuality(65);
-    jpeg.SetSamplingFrequencies(2, 2, 1, 1, 1, 1);
-    jpeg.SampleHDC(picture_, picture_.Width(), picture_.Height());
-    EXPECT_EQ(bytes, jpeg.Encode());
-    EXPECT_TRUE(tavren::test::DecodeRgb(bytes).ok);
-}
+    EXPECT_EQ(ReadFileBytes(output_), EncodeWithTavren(picture_, 65, {2, 2, 1, 1, 1, 1}));
 
-TEST_F(TavrenJpegTool, OptionsReachTheEncoder) {
-    const fs::path out = folder_ / "grey.jpg";
-    const ToolRun run =
-        Tool("-q 100 -s 1,1,0,0,0,0 -c 'a note' '" + input_.string() + "' '" + out.string() + "'");
-    ASSERT_EQ(run.exitCode, 0) << run.errors;
-    const tavren::test::JpegInspection file = tavren::test::InspectJpeg(Output(out));
+    std::tie(exitCode, errors) = Tool("-q 100 -s 1,1,0,0,0,0 -c 'a note'", input_, output_);
+    ASSERT_EQ(exitCode, 0) << errors;
+    const JpegInspection file = InspectJpeg(ReadFileBytes(output_));
     ASSERT_EQ(file.error, "");
     EXPECT_EQ(file.components.size(), 1u);
-    EXPECT_EQ(file.quantizationTables[0][0], 1);
-    EXPECT_EQ(file.Comments().at(0), "a note");
+    EXPECT_EQ(file.quantizationTables[0], std::vector<std::uint8_t>(64, 1));
+    EXPECT_EQ(file.comments.at(0), "a note");
 }
 
-TEST_F(TavrenJpegTool, ErrorsExitNonZeroWithTheMessage) {
-    const fs::path out = folder_ / "bad.jpg";
-    const std::string files = " '" + input_.string() + "' '" + out.string() + "'";
-
-    ToolRun run = Tool("-s 2,2,1,1,0,1" + files);
-    EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.errors.find("Invalid Sampling Value"), std::string::npos) << run.errors;
-
-    run = Tool("-c " + std::string(65536, 'x') + files);
-    EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.errors.find("Illegal Comment Length"), std::string::npos) << run.errors;
-    EXPECT_FALSE(fs::exists(out));
-
-    run = Tool("-q 0" + files);
-    EXPECT_NE(run.exitCode, 0);
-    run = Tool("'" + (folder_ / "missing.ppm").string() + "' '" + out.string() + "'");
-    EXPECT_NE(run.exitCode, 0);
-    run = Tool("'" + input_.string() + "' '" + (folder_ / "nowhere" / "x.jpg").string() + "'");
-    EXPECT_NE(run.exitCode, 0);
-    EXPECT_NE(run.errors.find("nowhere"), std::string::npos) << run.errors;
+TEST_F(TavrenJpegTool, ErrorsExitNonZeroWithTheMessageAndWriteNothing) {
+    const fs::path damaged = TestFolder() / "damaged.ppm";
+    std::ofstream(damaged) << "P3 1 1 255\n1 2 3";
+    struct Case {
+        std::string options;
+        fs::path input;
+        fs::path output;
+        int exitCode;  // 2 for a wrong command line, 1 when encoding fails
+        std::string message;
+    };
+    const fs::path nowhere = TestFolder() / "nowhere" / "x.jpg";
+    for (const Case& c : std::vector<Case>{
+             {"-s 2,2,1,1,0,1", input_, output_, 1, "error 1: Invalid Sampling Value"},
+             {"-c " + std::string(65536, 'x'), input_, output_, 1, "Illegal Comment Length"},
+             {"-q 0", input_, output_, 2, "-q takes a quality from 1 to 100"},
+             {"-s 2,2,1,1,1", input_, output_, 2, "-s takes six whole numbers"},
+             {"", TestFolder() / "missing.ppm", output_, 1, "missing.ppm"},
+             {"", damaged, output_, 1, "not a binary PPM (P6) file"},
+             {"", input_, nowhere, 1, nowhere.string()},
+         }) {
+        const auto [exitCode, errors] = Tool(c.options, c.input, c.output);
+        EXPECT_EQ(exitCode, c.exitCode) << c.options.substr(0, 20) << " " << errors;
+        EXPECT_NE(errors.find(c.message), std::string::npos) << errors;
+        EXPECT_FALSE(fs::exists(c.output));
+    }
 }

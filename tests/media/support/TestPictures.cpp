@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <random>
 
+#include "media/cJpeg.h"
+
 namespace tavren::test {
 
 tavren::cImage MakeTestPicture(int width, int height, std::uint32_t seed) {
@@ -42,6 +44,16 @@ tavren::cImage MakeNoisePicture(int width, int height, std::uint32_t seed) {
         image.DIBitsPtr()[i] = static_cast<std::uint8_t>(random());
     }
     return image;
+}
+
+std::vector<std::uint8_t> EncodeWithTavren(const tavren::cImage& picture, int quality,
+                                           const Sampling& sampling) {
+    tavren::cJpeg jpeg;
+    jpeg.SetQuality(quality);
+    jpeg.SetSamplingFrequencies(sampling[0], sampling[1], sampling[2], sampling[3], sampling[4],
+                                sampling[5]);
+    jpeg.SampleHDC(picture, picture.Width(), picture.Height());
+    return jpeg.Encode();
 }
 
 }  // namespace tavren::test

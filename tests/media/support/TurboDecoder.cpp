@@ -22,15 +22,22 @@ void JumpOut(j_common_ptr info) {
     std::longjmp(reinterpret_cast<ErrorManager*>(info->err)->escape, 1);
 }
 
-void Quiet(j_common_ptr, int) {}
+// A warning means libjpeg found damaged data and made do; for our files that is a failure.
+void FailOnWarning(j_common_ptr info, int level) {
+    if (level < 0) {
+        JumpOut(info);
+    }
+}
 
-DecodedPicture Decode(const std::vector<std::uint8_t>& jpeg, J_COLOR_SPACE space) {
+}  // namespace
+
+DecodedPicture Decode(const std::vector<std::uint8_t>& jpeg, bool asGrey) {
     DecodedPicture picture;
     jpeg_decompress_struct decoder;
     ErrorManager errors;
     decoder.err = jpeg_std_error(&errors.base);
     errors.base.error_exit = JumpOut;
-    errors.base.emit_message = Quiet;
+    errors.base.emit_message = FailOnWarning;
     jpeg_create_decompress(&decoder);
     if (setjmp(errors.escape) != 0) {
         jpeg_destroy_decompress(&decoder);
@@ -38,12 +45,12 @@ DecodedPicture Decode(const std::vector<std::uint8_t>& jpeg, J_COLOR_SPACE space
     }
     jpeg_mem_src(&decoder, jpeg.data(), static_cast<unsigned long>(jpeg.size()));
     jpeg_read_header(&decoder, TRUE);
-    decoder.out_color_space = space;
+    decoder.out_color_space = asGrey ? JCS_GRAYSCALE : JCS_RGB;
     jpeg_start_decompress(&decoder);
     picture.width = static_cast<int>(decoder.output_width);
     picture.height = static_cast<int>(decoder.output_height);
-    const std::size_t rowBytes =
-        static_cast<std::size_t>(picture.width) * decoder.output_components;
+    picture.channels = decoder.output_components;
+    const std::size_t rowBytes = static_cast<std::size_t>(picture.width) * picture.channels;
     picture.pixels.resize(rowBytes * picture.height);
     while (decoder.output_scanline < decoder.output_height) {
         JSAMPROW row = picture.pixels.data() + rowBytes * decoder.output_scanline;
@@ -53,22 +60,6 @@ DecodedPicture Decode(const std::vector<std::uint8_t>& jpeg, J_COLOR_SPACE space
     jpeg_destroy_decompress(&decoder);
     picture.ok = true;
     return picture;
-}
-
-double Psnr(double squares, std::size_t count) {
-    if (squares == 0) {
-        return std::numeric_limits<double>::infinity();
-    }
-    return 10 * std::log10(255.0 * 255.0 * static_cast<double>(count) / squares);
-}
-
-}  // namespace
-
-DecodedPicture DecodeRgb(const std::vector<std::uint8_t>& jpeg) {
-    return Decode(jpeg, JCS_RGB);
-}
-DecodedPicture DecodeGrey(const std::vector<std::uint8_t>& jpeg) {
-    return Decode(jpeg, JCS_GRAYSCALE);
 }
 
 std::vector<std::uint8_t> EncodeWithTurbo(const tavren::cImage& picture, int quality,
@@ -109,32 +100,22 @@ std::vector<std::uint8_t> EncodeWithTurbo(const tavren::cImage& picture, int qua
     return result;
 }
 
-double PsnrRgb(const tavren::cImage& original, const DecodedPicture& decoded) {
-    const std::size_t count = original.BytesPerScanLine() * original.Height();
-    if (!decoded.ok || decoded.pixels.size() != count) {
+double Psnr(const tavren::cImage& original, const DecodedPicture& decoded) {
+    const std::size_t pixels = static_cast<std::size_t>(original.Width()) * original.Height();
+    if (!decoded.ok || decoded.pixels.size() != pixels * decoded.channels) {
         return 0;
     }
+    const std::uint8_t* rgb = original.DIBitsPtr();
     double squares = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double d = double(decoded.pixels[i]) - original.DIBitsPtr()[i];
-        squares += d * d;
+    for (std::size_t i = 0; i < decoded.pixels.size(); ++i) {
+        const double expected =
+            decoded.channels == 3
+                ? rgb[i]
+                : 0.299 * rgb[3 * i] + 0.587 * rgb[3 * i + 1] + 0.114 * rgb[3 * i + 2];
+        squares += (decoded.pixels[i] - expected) * (decoded.pixels[i] - expected);
     }
-    return Psnr(squares, count);
-}
-
-double PsnrGrey(const tavren::cImage& original, const DecodedPicture& decoded) {
-    const std::size_t count = static_cast<std::size_t>(original.Width()) * original.Height();
-    if (!decoded.ok || decoded.pixels.size() != count) {
-        return 0;
-    }
-    double squares = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint8_t* p = original.DIBitsPtr() + 3 * i;
-        const double luma = 0.299 * p[0] + 0.587 * p[1] + 0.114 * p[2];
-        const double d = decoded.pixels[i] - luma;
-        squares += d * d;
-    }
-    return Psnr(squares, count);
+    return squares == 0 ? std::numeric_limits<double>::infinity()
+                        : 10 * std::log10(255.0 * 255.0 * decoded.pixels.size() / squares);
 }
 
 }  // namespace tavren::test
