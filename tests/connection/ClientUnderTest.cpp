@@ -43,13 +43,15 @@ void ClientUnderTest::useProxy(quint16 proxyPort) {
 
 void ClientUnderTest::selectAccount(const QString& name, const QString& password) {
     SavedAccounts& accounts = session->accounts();
-    int row = accounts.findRow(name);
-    if (row < 0) {
-        row = accounts.add(name, password);
-    } else {
-        row = accounts.modify(row, name, password);
-    }
-    session->login().select(row);
+    const int row = accounts.findRow(name);
+    session->login().select(row < 0 ? accounts.add(name, password)
+                                    : accounts.modify(row, name, password));
+}
+
+void ClientUnderTest::startLogin(quint16 port) {
+    pointAt(port);
+    selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
+    session->login().clickLoginButton();
 }
 
 QStringList ClientUnderTest::messages() const {

@@ -24,6 +24,8 @@ class ClientUnderTest {
     void useProxy(quint16 proxyPort);
     // Saves an account in the login list and selects it.
     void selectAccount(const QString& name, const QString& password);
+    // Points at `port` and clicks Login for the saved account alice:secret.
+    void startLogin(quint16 port);
 
     // Everything written to the error window so far.
     QString errors() const { return session->errorLog().text(); }

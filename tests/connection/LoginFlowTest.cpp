@@ -1,8 +1,10 @@
+// The login flow's decisions against a scripted peer, and the list of saved accounts it works from.
 #include <gtest/gtest.h>
 
 #include "ClientUnderTest.h"
 #include "FakePeer.h"
 #include "Wait.h"
+#include "core/SavedAccounts.h"
 #include "core/protocol/Catalogue.h"
 
 namespace tavren {
@@ -13,24 +15,7 @@ namespace in = protocol::server_to_client;
 namespace out = protocol::client_to_server;
 using Answer = Prompter::Answer;
 
-TEST(LoginFlowTest, TheButtonFollowsTheSelectedRow) {
-    test::ClientUnderTest client;
-    LoginFlow& login = client.session->login();
-    EXPECT_EQ(login.selectedRow(), 0) << "a fresh install has only *new_user*";
-    EXPECT_EQ(login.button().caption, QStringLiteral("&Sign Up Now!!"));
-    EXPECT_EQ(login.button().hint, QStringLiteral("Press to sign up!"));
-
-    client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
-    EXPECT_EQ(login.button().caption, QStringLiteral("&Login"));
-    EXPECT_EQ(login.button().hint, QStringLiteral("Press to login to the Tavren Chat Service!"));
-    login.select(0);
-    EXPECT_EQ(login.button().caption, QStringLiteral("&Sign Up Now!!"));
-    login.select(1);
-    EXPECT_EQ(LoginFlow::versionText(), QStringLiteral("Version: ") + LoginFlow::clientVersion());
-    EXPECT_EQ(login.statusText(), QStringLiteral("Connection Closed"));
-}
-
-TEST(LoginFlowTest, TheMemberQuestionDecidesBetweenSigningUpAndAddingAnAccount) {
+TEST(LoginFlowTest, TheButtonAsksNewcomersConnectsSavedAccountsAndCancelStopsEither) {
     test::FakePeer server;
     test::ClientUnderTest client;
     client.pointAt(server.port());
@@ -40,21 +25,18 @@ TEST(LoginFlowTest, TheMemberQuestionDecidesBetweenSigningUpAndAddingAnAccount) 
     QObject::connect(&login, &LoginFlow::addAccountRequested, [&] { ++addRequests; });
     QObject::connect(&login, &LoginFlow::signUpRequested, [&] { ++signUpRequests; });
 
-    client.prompter.answers = {Answer::Cancel};
+    // Cancel, and Yes (the account is to be added to the list), leave the socket alone.
+    client.prompter.answers = {Answer::Cancel, Answer::Yes};
     login.clickLoginButton();
-    ASSERT_EQ(client.prompter.asked.size(), 1u);
+    login.clickLoginButton();
+    ASSERT_EQ(client.prompter.asked.size(), 2u);
     EXPECT_EQ(client.prompter.asked[0].kind, QStringLiteral("yesnocancel"));
     EXPECT_EQ(client.prompter.asked[0].title, QStringLiteral("Aready a Tavren Member?"));
     EXPECT_EQ(
         client.prompter.asked[0].text,
         QStringLiteral("Do you already have an account registered with Tavren Chat Service?"));
-    test::runEventsFor(50);
-    EXPECT_EQ(server.connections(), 0) << "Cancel leaves the socket alone";
-    EXPECT_EQ(login.button().kind, LoginButton::Kind::SignUp);
-
-    client.prompter.answers = {Answer::Yes};
-    login.clickLoginButton();
     EXPECT_EQ(addRequests, 1);
+    test::runEventsFor(50);
     EXPECT_EQ(server.connections(), 0);
     EXPECT_EQ(login.button().kind, LoginButton::Kind::SignUp);
 
@@ -65,52 +47,42 @@ TEST(LoginFlowTest, TheMemberQuestionDecidesBetweenSigningUpAndAddingAnAccount) 
     EXPECT_EQ(QString::fromStdString(server.frames().front().payload), LoginFlow::clientVersion());
     EXPECT_EQ(signUpRequests, 1);
     EXPECT_EQ(login.mode(), LoginFlow::Mode::New);
-
     // Giving up on the sign-up dialog closes the connection and offers sign-up again.
     login.cancelSignUp();
     EXPECT_EQ(client.session->link().socketState(), QAbstractSocket::UnconnectedState);
     EXPECT_EQ(login.button().kind, LoginButton::Kind::SignUp);
-}
 
-TEST(LoginFlowTest, CancelStopsConnectingAndNothingReconnects) {
-    test::FakePeer server;  // accepts, then says nothing
-    test::ClientUnderTest client;
-    client.pointAt(server.port());
+    // A saved account connects at once; Cancel stops it and nothing reconnects.
     client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
-    LoginFlow& login = client.session->login();
     login.clickLoginButton();
     ASSERT_TRUE(waitUntil([&] { return server.received(out::kVersionBeforeLogin); }));
     EXPECT_EQ(login.statusText(), QStringLiteral("Connected!"));
     EXPECT_EQ(login.button().caption, QStringLiteral("Cancel"));
-
     login.clickLoginButton();
     EXPECT_EQ(login.button().caption, QStringLiteral("&Login"));
     EXPECT_FALSE(login.countdownRunning());
     test::runEventsFor(300);
-    EXPECT_EQ(server.connections(), 1);
+    EXPECT_EQ(server.connections(), 2);
 }
 
 TEST(LoginFlowTest, AnUpdateNoticeAsksOnceForEachVersionAndTheLoginGoesOn) {
     test::FakePeer server;
-    test::ClientUnderTest client;
-    client.pointAt(server.port());
-    client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
-    QString downloadUrl;
-    QObject::connect(&client.session->login(), &LoginFlow::updateDownloadRequested,
-                     [&](const QString& url) { downloadUrl = url; });
     server.setResponder([](test::FakePeer& peer, const protocol::Frame& frame) {
         if (frame.code == out::kVersionBeforeLogin) {
             peer.send(in::kUpdateNotice, "2.0.0;https://example.org/tavren");
         }
     });
-
+    test::ClientUnderTest client;
+    QString downloadUrl;
+    QObject::connect(&client.session->login(), &LoginFlow::updateDownloadRequested,
+                     [&](const QString& url) { downloadUrl = url; });
     // Yes: download; No: never again for this version.
     int connection = 0;
     for (const Answer answer : {Answer::Yes, Answer::No, Answer::Cancel}) {
         client.prompter.asked.clear();
         client.prompter.answers = {answer};
         client.session->login().logOff();
-        client.session->login().clickLoginButton();
+        client.startLogin(server.port());
         ++connection;
         ASSERT_TRUE(waitUntil([&] {
             return server.connections() == connection && server.received(out::kCredentials);
@@ -127,29 +99,55 @@ TEST(LoginFlowTest, AnUpdateNoticeAsksOnceForEachVersionAndTheLoginGoesOn) {
     EXPECT_TRUE(client.settings->isNagSuppressed(QStringLiteral("2.0.0")));
 }
 
-TEST(LoginFlowTest, ARefusedLoginGoesBackToSignUpWithoutRetrying) {
-    test::FakePeer server;
-    test::ClientUnderTest client;
-    client.pointAt(server.port());
-    client.selectAccount(QStringLiteral("alice"), QStringLiteral("wrong"));
-    server.setResponder([](test::FakePeer& peer, const protocol::Frame& frame) {
-        if (frame.code == out::kVersionBeforeLogin) {
-            peer.send(in::kHello, "fake");
-        } else if (frame.code == out::kCredentials) {
-            peer.send(protocol::CodePair{3, 1}, "Nickname not registered!");
-        }
-    });
-    const QString before = client.settings->userString();
-    client.session->login().clickLoginButton();
-    ASSERT_TRUE(waitUntil([&] { return !client.messages().isEmpty(); }));
+TEST(SavedAccountsTest, TheStoredTextRoundTripsAndDamagedEntriesAreSkipped) {
+    using Account = SavedAccounts::Account;
+    const QList<Account> accounts = {{QStringLiteral("alice"), QStringLiteral("s3cret")},
+                                     {QStringLiteral("Bob"), QStringLiteral("p@ss word")}};
+    const QString text = SavedAccounts::serialize(accounts);
+    EXPECT_EQ(text, QStringLiteral("alice:s3cret;Bob:p@ss word"));
+    EXPECT_EQ(SavedAccounts::parse(text), accounts);
+    // No name, no colon, a second colon, the pseudo-account and a repeated name (any case).
+    const QList<Account> parsed = SavedAccounts::parse(
+        QStringLiteral(";:nopass;justtext;carol:a:b;*new_user*:x;alice:1;ALICE:2;;dave:"));
+    EXPECT_EQ(parsed, (QList<Account>{{QStringLiteral("alice"), QStringLiteral("1")},
+                                      {QStringLiteral("dave"), QString()}}));
+}
 
-    EXPECT_EQ(client.messages(), QStringList{QStringLiteral("Nickname not registered!")});
-    EXPECT_EQ(client.session->login().selectedRow(), 0);
-    EXPECT_EQ(client.session->login().button().kind, LoginButton::Kind::SignUp);
-    EXPECT_FALSE(client.session->login().online());
-    EXPECT_EQ(client.settings->userString(), before) << "a refused login leaves the list alone";
-    test::runEventsFor(500);
-    EXPECT_EQ(server.connections(), 1) << "a refused login is not retried";
+TEST(SavedAccountsTest, TheListKeepsNewUserFirstAndRefusesWhatCannotBeStored) {
+    test::ClientUnderTest client;
+    SavedAccounts& accounts = client.session->accounts();
+    ASSERT_EQ(accounts.rowCount(), 1);
+    EXPECT_EQ(accounts.row(0).name, QStringLiteral("*new_user*"));
+    EXPECT_EQ(accounts.add(QStringLiteral(" alice "), QStringLiteral("one")), 1);
+    EXPECT_EQ(accounts.add(QStringLiteral("bob"), QStringLiteral("two")), 2);
+    EXPECT_EQ(accounts.checkEntry(QStringLiteral("ALICE"), QStringLiteral("x")),
+              QStringLiteral("That account is already in the list."));
+    for (const auto& [name, password] :
+         {std::pair{QStringLiteral("a:b"), QStringLiteral("x")},
+          std::pair{QStringLiteral("carol"), QStringLiteral("x;y")},
+          std::pair{QStringLiteral("*NEW_USER*"), QStringLiteral("x")},
+          std::pair{QStringLiteral("carol"), QString()}}) {
+        EXPECT_FALSE(accounts.checkEntry(name, password).isEmpty()) << name.toStdString();
+        EXPECT_EQ(accounts.add(name, password), -1);
+    }
+    // Editing a row may keep its own name.
+    EXPECT_EQ(accounts.modify(1, QStringLiteral("Alice"), QStringLiteral("uno")), 1);
+    EXPECT_EQ(accounts.modify(1, QStringLiteral("bob"), QStringLiteral("dos")), -1);
+    EXPECT_FALSE(accounts.remove(0)) << "*new_user* cannot be removed";
+    EXPECT_EQ(client.settings->userString(), QStringLiteral("Alice:uno;bob:two"));
+    // The account used last comes first next time.
+    EXPECT_EQ(accounts.markUsed(QStringLiteral("BOB")), 1);
+    accounts.updatePassword(QStringLiteral("alice"), QStringLiteral("tres"));
+    EXPECT_EQ(client.store->value(QStringLiteral("Users"), QStringLiteral("UserString")),
+              QStringLiteral("bob:two;Alice:tres"));
+
+    // A second client on the same settings starts with the same list, last used selected.
+    Settings again(*client.store, client.dir.path(), nullptr);
+    test::ScriptedPrompter prompter;
+    ServerSession other(again, prompter, test::ClientUnderTest::fastOptions());
+    EXPECT_EQ(other.accounts().rowCount(), 3);
+    EXPECT_EQ(other.login().selectedRow(), 1);
+    EXPECT_EQ(other.login().button().caption, QStringLiteral("&Login"));
 }
 
 }  // namespace

@@ -18,11 +18,15 @@ namespace {
 
 using test::waitUntil;
 
-TEST(LoginWindowTest, ShowsTheFlowsStateAndForwardsTheUsersChoices) {
+class LoginWindowTest : public ::testing::Test {
+  protected:
     test::ClientUnderTest client;
-    client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
     QWidget owner;
-    ConnectionWindows windows(*client.session, client.prompter, &owner);
+    ConnectionWindows windows{*client.session, client.prompter, &owner};
+};
+
+TEST_F(LoginWindowTest, ShowsTheFlowsStateAndForwardsTheUsersChoices) {
+    client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));
     ChatLogin& login = windows.login();
     login.show();
 
@@ -34,6 +38,8 @@ TEST(LoginWindowTest, ShowsTheFlowsStateAndForwardsTheUsersChoices) {
     EXPECT_EQ(login.versionText(), LoginFlow::versionText());
     EXPECT_EQ(login.statusText(), QStringLiteral("Connection Closed"));
     EXPECT_EQ(login.loginButton()->text(), QStringLiteral("&Login"));
+    EXPECT_EQ(login.loginButton()->toolTip(),
+              QStringLiteral("Press to login to the Tavren Chat Service!"));
 
     list->setCurrentItem(list->topLevelItem(0));
     EXPECT_EQ(client.session->login().selectedRow(), 0);
@@ -50,10 +56,7 @@ TEST(LoginWindowTest, ShowsTheFlowsStateAndForwardsTheUsersChoices) {
     EXPECT_TRUE(client.settings->userString().isEmpty());
 }
 
-TEST(LoginWindowTest, ErrorWindowComesForwardWithTheNewestLineAtTheCaret) {
-    test::ClientUnderTest client;
-    QWidget owner;
-    ConnectionWindows windows(*client.session, client.prompter, &owner);
+TEST_F(LoginWindowTest, ErrorWindowComesForwardWithTheNewestLineAtTheCaret) {
     ChatError& errors = windows.errors();
     EXPECT_FALSE(errors.isVisible());
 
@@ -68,11 +71,8 @@ TEST(LoginWindowTest, ErrorWindowComesForwardWithTheNewestLineAtTheCaret) {
               static_cast<int>(QStringLiteral("(9:04:05 PM) ~ first\n").size()));
 }
 
-TEST(LoginWindowTest, ConsoleSendsTypedLinesOnlyWhileConnected) {
+TEST_F(LoginWindowTest, ConsoleSendsTypedLinesOnlyWhileConnected) {
     test::FakePeer server;
-    test::ClientUnderTest client;
-    QWidget owner;
-    ConnectionWindows windows(*client.session, client.prompter, &owner);
     ChatConsole& console = windows.console();
     console.input()->setText(QStringLiteral("/help"));
     emit console.input()->returnPressed();

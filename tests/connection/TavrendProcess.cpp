@@ -34,26 +34,20 @@ QString TavrendProcess::binary() {
 }
 
 bool TavrendProcess::start(const QStringList& options, quint16 port) {
-    QStringList arguments = {QStringLiteral("--listen"), QStringLiteral("127.0.0.1:%1").arg(port),
-                             QStringLiteral("--db"), databasePath_};
-    arguments << options;
-    process_.start(binary(), arguments);
-    if (!process_.waitForStarted(10000)) {
-        return false;
-    }
+    process_.start(binary(),
+                   QStringList{QStringLiteral("--listen"), QStringLiteral("127.0.0.1:%1").arg(port),
+                               QStringLiteral("--db"), databasePath_} +
+                       options);
     static const QRegularExpression listening(QStringLiteral("listening on [^\\s:]+:(\\d+)"));
     QString output;
-    const bool up = waitUntil([&] {
+    port_ = 0;
+    waitUntil([&] {
         output += QString::fromUtf8(process_.readAllStandardOutput());
-        const auto match = listening.match(output);
-        if (match.hasMatch()) {
-            port_ = static_cast<quint16>(match.captured(1).toUInt());
-            return true;
-        }
-        return process_.state() == QProcess::NotRunning;
+        port_ = static_cast<quint16>(listening.match(output).captured(1).toUInt());
+        return port_ != 0 || process_.state() == QProcess::NotRunning;
     });
     log_ += QString::fromUtf8(process_.readAllStandardError());
-    return up && port_ != 0;
+    return port_ != 0;
 }
 
 void TavrendProcess::stop() {

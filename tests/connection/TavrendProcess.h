@@ -18,7 +18,6 @@ class TavrendProcess {
     // Starts serving on `port` (0: any free port) and waits for the "listening on" line.
     bool start(const QStringList& options = {}, quint16 port = 0);
     void stop();
-    bool running() const { return process_.state() != QProcess::NotRunning; }
     quint16 port() const { return port_; }
     // `tavrend --db FILE account add NAME PASSWORD`
     bool addAccount(const QString& name, const QString& password);

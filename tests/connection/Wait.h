@@ -23,11 +23,7 @@ inline bool waitUntil(const std::function<bool()>& done, int boundMs = 15000) {
 
 // Lets the event loop run for a while (to show that something does NOT happen).
 inline void runEventsFor(int ms) {
-    QDeadlineTimer deadline(ms);
-    while (!deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        QThread::msleep(2);
-    }
+    waitUntil([] { return false; }, ms);
 }
 
 }  // namespace tavren::test

@@ -46,26 +46,6 @@ void RawClient::sendRaw(std::string_view bytes) {
     }
 }
 
-bool RawClient::receive(std::chrono::steady_clock::time_point deadline) {
-    if (closed_) {
-        return false;
-    }
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-        deadline - std::chrono::steady_clock::now());
-    pollfd poller{fd_, POLLIN, 0};
-    if (left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
-        return false;
-    }
-    char buffer[8192];
-    const ssize_t count = recv(fd_, buffer, sizeof buffer, 0);
-    if (count <= 0) {
-        closed_ = true;  // orderly close or reset, the same to a test
-        return false;
-    }
-    cutter_.Append(std::string_view(buffer, static_cast<std::size_t>(count)));
-    return true;
-}
-
 std::optional<protocol::Frame> RawClient::next(std::chrono::milliseconds timeout) {
     const auto deadline = std::chrono::steady_clock::now() + timeout;
     for (;;) {
@@ -84,9 +64,19 @@ std::optional<protocol::Frame> RawClient::next(std::chrono::milliseconds timeout
             }
             continue;
         }
-        if (!receive(deadline)) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        pollfd poller{fd_, POLLIN, 0};
+        if (closed_ || left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
             return std::nullopt;
         }
+        char buffer[8192];
+        const ssize_t count = recv(fd_, buffer, sizeof buffer, 0);
+        closed_ = count <= 0;  // orderly close or reset, the same to a test
+        if (closed_) {
+            return std::nullopt;
+        }
+        cutter_.Append(std::string_view(buffer, static_cast<std::size_t>(count)));
     }
 }
 

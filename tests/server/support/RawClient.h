@@ -37,12 +37,8 @@ class RawClient {
 
     void setAnswerPings(bool answer) { answerPings_ = answer; }
     int pingsSeen() const { return pingsSeen_; }
-    bool closedByServer() const { return closed_; }
 
   private:
-    // Fills the cutter from the socket; false on time-out or close.
-    bool receive(std::chrono::steady_clock::time_point deadline);
-
     int fd_ = -1;
     protocol::FrameCutter cutter_;
     bool answerPings_ = true;

@@ -1,32 +1,16 @@
 #include "server/support/ServerFixture.h"
 
-#include <unistd.h>
-#include <cstdlib>
+#include <iostream>
 
 namespace tavren::test {
 
-void ServerFixture::SetUp() {
-    const char* home = std::getenv("TAVREN_HOME");
-    const auto* info = ::testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = std::filesystem::path(home ? home : std::filesystem::temp_directory_path().c_str()) /
-              (std::string(info->test_suite_name()) + "." + info->name() + "." +
-               std::to_string(getpid()));
-    std::filesystem::remove_all(folder_);
-    std::filesystem::create_directories(folder_);
-    database_ = folder_ / "tavrend.db";
-}
-
 void ServerFixture::TearDown() {
     if (server_) {
-        const int exitCode = server_->stop();
-        EXPECT_EQ(exitCode, 0) << "tavrend did not stop cleanly";
+        EXPECT_EQ(server_->stop(), 0) << "tavrend did not stop cleanly";
         if (HasFailure()) {
             std::cerr << "---- tavrend log ----\n" << server_->log() << "---------------------\n";
         }
         server_.reset();
-    }
-    if (!HasFailure()) {
-        std::filesystem::remove_all(folder_);
     }
 }
 
@@ -36,12 +20,15 @@ void ServerFixture::startServer(std::vector<std::string> extraArguments) {
     server_ = std::make_unique<TavrendProcess>(arguments, folder_ / "tavrend.log");
 }
 
+TavrendProcess::Result ServerFixture::accountAdd(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {"--db", database_.string(), "account", "add"});
+    return TavrendProcess::runToEnd(arguments);
+}
+
 void ServerFixture::addAccount(const std::string& name, const std::string& password,
                                std::vector<std::string> extraArguments) {
-    std::vector<std::string> arguments{"--db",  database_.string(), "account", "add", name,
-                                       password};
-    arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
-    const auto result = TavrendProcess::runToEnd(arguments);
+    extraArguments.insert(extraArguments.begin(), {name, password});
+    const auto result = accountAdd(extraArguments);
     ASSERT_EQ(result.exitCode, 0) << result.output;
 }
 
@@ -49,11 +36,17 @@ std::unique_ptr<RawClient> ServerFixture::connect(int receiveBuffer) {
     return std::make_unique<RawClient>(server_->port(), receiveBuffer);
 }
 
+std::unique_ptr<RawClient> ServerFixture::greet(const std::string& version, int receiveBuffer) {
+    auto client = connect(receiveBuffer);
+    client->send(in::kVersionBeforeLogin, version);
+    const std::string hello = client->expect(out::kHello).payload;
+    EXPECT_EQ(hello.rfind("tavrend;", 0), 0u) << hello;
+    return client;
+}
+
 std::unique_ptr<RawClient> ServerFixture::logIn(const std::string& name,
                                                 const std::string& password) {
-    auto client = connect();
-    client->send(in::kVersionBeforeLogin, "1.0.0");
-    client->expect(out::kHello);
+    auto client = greet();
     client->send(in::kCredentials, name + ":" + password);
     client->expect(out::kAccountRefresh);
     client->send(in::kAccountRefreshOk, "OK");

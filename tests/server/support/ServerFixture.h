@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -20,25 +21,27 @@ inline constexpr protocol::CodePair kLoginResult{3, 1};
 inline constexpr protocol::CodePair kSignUpResult{3, 2};
 inline constexpr protocol::CodePair kNotice{4, 1};
 
-// Each test gets its own folder and database under the test's data root, a real tavrend on an
-// ephemeral port, and helpers for the handshake. The server must stop cleanly (exit 0) at the
-// end of every test; its log is printed when a test fails.
+// A real tavrend on an ephemeral port with a database in the test's own data root, and helpers
+// for the handshake. The server must stop cleanly (exit 0) at the end of every test; its log is
+// printed when a test fails.
 class ServerFixture : public ::testing::Test {
   protected:
-    void SetUp() override;
     void TearDown() override;
 
     // Short intervals by default, so time-outs happen within a test's patience.
     void startServer(std::vector<std::string> extraArguments = {});
-    // Through the command line, like an operator would.
+    // `tavrend --db DATABASE account add ARGUMENTS...`, like an operator would.
+    TavrendProcess::Result accountAdd(std::vector<std::string> arguments);
     void addAccount(const std::string& name, const std::string& password,
                     std::vector<std::string> extraArguments = {});
     std::unique_ptr<RawClient> connect(int receiveBuffer = 0);
+    // Connected and past the version check: the server waits for credentials.
+    std::unique_ptr<RawClient> greet(const std::string& version = "1.0.0", int receiveBuffer = 0);
     // Runs the whole login handshake and checks every answer up to the score.
     std::unique_ptr<RawClient> logIn(const std::string& name, const std::string& password);
 
-    std::filesystem::path folder_;
-    std::filesystem::path database_;
+    const std::filesystem::path folder_{std::getenv("TAVREN_HOME")};
+    const std::filesystem::path database_ = folder_ / "tavrend.db";
     std::unique_ptr<TavrendProcess> server_;
 };
 

@@ -1,14 +1,15 @@
 #include "server/support/TavrendProcess.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
@@ -19,50 +20,8 @@ namespace tavren::test {
 
 namespace {
 
-pid_t spawn(const std::vector<std::string>& arguments, int stdoutFd, int stderrFd) {
-    std::vector<std::string> all{TavrendProcess::binary().string()};
-    all.insert(all.end(), arguments.begin(), arguments.end());
-    std::vector<char*> argv;
-    for (auto& argument : all) {
-        argv.push_back(argument.data());
-    }
-    argv.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, stdoutFd, STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, stderrFd, STDERR_FILENO);
-    pid_t pid = -1;
-    const int status = posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (status != 0) {
-        throw std::runtime_error("cannot start " + all[0]);
-    }
-    return pid;
-}
-
 int exitCodeOf(int status) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-// Reads one line from `fd`, giving up after `timeout`.
-std::string readLine(int fd, std::chrono::milliseconds timeout) {
-    std::string line;
-    const auto deadline = std::chrono::steady_clock::now() + timeout;
-    while (line.empty() || line.back() != '\n') {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
-            deadline - std::chrono::steady_clock::now());
-        pollfd poller{fd, POLLIN, 0};
-        if (left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
-            break;
-        }
-        char c;
-        if (read(fd, &c, 1) != 1) {
-            break;
-        }
-        line += c;
-    }
-    return line;
 }
 
 }  // namespace
@@ -73,46 +32,58 @@ std::filesystem::path TavrendProcess::binary() {
 }
 
 TavrendProcess::Result TavrendProcess::runToEnd(const std::vector<std::string>& arguments) {
-    int pipeFds[2];
-    if (pipe(pipeFds) != 0) {
-        throw std::runtime_error("pipe failed");
+    // The tests' arguments hold no quotes of their own.
+    std::string command = "'" + binary().string() + "'";
+    for (const std::string& argument : arguments) {
+        command += " '" + argument + "'";
     }
-    const pid_t pid = spawn(arguments, pipeFds[1], pipeFds[1]);
-    close(pipeFds[1]);
+    FILE* output = popen((command + " 2>&1").c_str(), "r");
+    if (output == nullptr) {
+        throw std::runtime_error("cannot run " + command);
+    }
     Result result;
     char buffer[4096];
-    ssize_t count;
-    while ((count = read(pipeFds[0], buffer, sizeof buffer)) > 0) {
-        result.output.append(buffer, static_cast<std::size_t>(count));
+    for (std::size_t count; (count = std::fread(buffer, 1, sizeof buffer, output)) > 0;) {
+        result.output.append(buffer, count);
     }
-    close(pipeFds[0]);
-    int status = 0;
-    waitpid(pid, &status, 0);
-    result.exitCode = exitCodeOf(status);
+    result.exitCode = exitCodeOf(pclose(output));
     return result;
 }
 
 TavrendProcess::TavrendProcess(const std::vector<std::string>& arguments,
                                const std::filesystem::path& logFile)
     : logFile_(logFile) {
-    std::vector<std::string> all{"--listen", "127.0.0.1:0"};
+    std::vector<std::string> all{binary().string(), "--listen", "127.0.0.1:0"};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    int pipeFds[2];
-    if (pipe(pipeFds) != 0) {
-        throw std::runtime_error("pipe failed");
+    std::vector<char*> argv;
+    for (std::string& argument : all) {
+        argv.push_back(argument.data());
     }
-    const int logFd = open(logFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    pid_ = spawn(all, pipeFds[1], logFd);
-    close(pipeFds[1]);
-    close(logFd);
-    const std::string line = readLine(pipeFds[0], std::chrono::seconds(10));
-    close(pipeFds[0]);
-    const auto colon = line.rfind(':');
-    if (line.rfind("listening on ", 0) != 0 || colon == std::string::npos) {
-        stop();
-        throw std::runtime_error("tavrend did not start: " + log());
+    argv.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logFile.c_str(),
+                                     O_WRONLY | O_CREAT | O_TRUNC, 0644);
+    posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
+    const int failed = posix_spawn(&pid_, argv[0], &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (failed != 0) {
+        pid_ = -1;
+        throw std::runtime_error("cannot start " + all[0]);
     }
-    port_ = static_cast<std::uint16_t>(std::stoi(line.substr(colon + 1)));
+    // The log names the port once the server is listening.
+    static const std::regex listening("listening on \\S+:(\\d+)\\n");
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    std::string text;
+    std::smatch match;
+    while (!std::regex_search(text = log(), match, listening)) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            stop();
+            throw std::runtime_error("tavrend did not start: " + text);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    port_ = static_cast<std::uint16_t>(std::stoi(match[1].str()));
 }
 
 TavrendProcess::~TavrendProcess() {

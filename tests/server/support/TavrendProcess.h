@@ -11,7 +11,7 @@
 namespace tavren::test {
 
 // The real build/bin/tavrend (found through $TAVREN_BIN_DIR), run as a child process with its
-// stdout read for the "listening on HOST:PORT" line and its stderr kept in a log file, so that a
+// output kept in a log file: the "listening on HOST:PORT" line there gives the port, and a
 // failing test can show what the server said.
 class TavrendProcess {
   public:
@@ -31,7 +31,6 @@ class TavrendProcess {
     TavrendProcess(const TavrendProcess&) = delete;
     TavrendProcess& operator=(const TavrendProcess&) = delete;
 
-    bool running() const { return pid_ > 0; }
     std::uint16_t port() const { return port_; }
     // SIGTERM, then wait; returns the exit code (-1 if it had to be killed or died of a signal).
     int stop(std::chrono::milliseconds grace = std::chrono::seconds(10));

@@ -1,16 +1,26 @@
-// What a logged-in member can change about the account.
+// An account from both ends: the operator's command line and the member's own requests.
 #include "server/support/ServerFixture.h"
 
 namespace tavren::test {
 namespace {
 
-using AccountRequestTest = ServerFixture;
+using AccountTest = ServerFixture;
 
-TEST_F(AccountRequestTest, ChangePasswordChecksTheCurrentOneAndKeepsTheNewOne) {
-    addAccount("alice", "secret1");
+TEST_F(AccountTest, AccountAddThenTheMembersOwnChangesAreCheckedAndKept) {
+    const auto added =
+        accountAdd({"Alice", "secret1", "--staff", "3", "--email", "old@example.org"});
+    EXPECT_EQ(added.exitCode, 0) << added.output;
+    const auto duplicate = accountAdd({"alice", "other1"});
+    EXPECT_NE(duplicate.exitCode, 0);
+    EXPECT_NE(duplicate.output.find("already taken"), std::string::npos) << duplicate.output;
+    const auto badName = accountAdd({"a:b", "secret1"});
+    EXPECT_NE(badName.exitCode, 0);
+    EXPECT_NE(badName.output.find("A name has"), std::string::npos) << badName.output;
+    EXPECT_NE(accountAdd({"Other", "secret1", "--staff", "9"}).exitCode, 0);
+
     startServer();
     {
-        auto alice = logIn("alice", "secret1");
+        auto alice = logIn("alice", "secret1");  // the duplicate did not change the password
         alice->send(in::kChangePassword, "wrong1:better1");
         EXPECT_NE(alice->expect(kNotice).payload.find("current password is wrong"),
                   std::string::npos);
@@ -18,21 +28,6 @@ TEST_F(AccountRequestTest, ChangePasswordChecksTheCurrentOneAndKeepsTheNewOne) {
         EXPECT_NE(alice->expect(kNotice).payload.find("not changed"), std::string::npos);
         alice->send(in::kChangePassword, "secret1:better1");
         alice->expect(out::kSuccessNotice);
-    }
-    auto client = connect();
-    client->send(in::kVersionBeforeLogin, "1.0.0");
-    client->expect(out::kHello);
-    client->send(in::kCredentials, "alice:secret1");
-    EXPECT_EQ(client->expect(kLoginResult).payload, "Nickname not registered!");
-    client->send(in::kCredentials, "alice:better1");
-    client->expect(out::kAccountRefresh);
-}
-
-TEST_F(AccountRequestTest, EmailAndNicknameFormatAreValidatedAndKept) {
-    addAccount("alice", "secret1", {"--email", "old@example.org"});
-    startServer();
-    {
-        auto alice = logIn("alice", "secret1");
         alice->send(in::kAskEmail, "");
         EXPECT_EQ(alice->expect(out::kAccountInfo).payload, "old@example.org");
         alice->send(in::kChangeEmail, "no address");
@@ -43,20 +38,18 @@ TEST_F(AccountRequestTest, EmailAndNicknameFormatAreValidatedAndKept) {
         alice->expect(kNotice);
         // A new format comes straight back as an account refresh, which the client answers.
         alice->send(in::kNicknameFormat, "bold;255");
-        EXPECT_EQ(alice->expect(out::kAccountRefresh).payload, "alice;0;bold;255");
+        EXPECT_EQ(alice->expect(out::kAccountRefresh).payload, "Alice;3;bold;255");
         alice->send(in::kAccountRefreshOk, "OK");
     }
-    // Both survive the session.
-    auto alice = connect();
-    alice->send(in::kVersionBeforeLogin, "1.0.0");
-    alice->expect(out::kHello);
+    // All of it survives the session: only the new password works, and it brings the rest.
+    auto alice = greet();
     alice->send(in::kCredentials, "alice:secret1");
-    EXPECT_EQ(alice->expect(out::kAccountRefresh).payload, "alice;0;bold;255");
+    EXPECT_EQ(alice->expect(kLoginResult).payload, "Nickname not registered!");
+    alice->send(in::kCredentials, "alice:better1");
+    EXPECT_EQ(alice->expect(out::kAccountRefresh).payload, "Alice;3;bold;255");
     alice->send(in::kAccountRefreshOk, "OK");
-    alice->expect(out::kLoginAccepted);
     alice->send(in::kAskEmail, "");
-    // Skip the rest of the login answers.
-    std::optional<protocol::Frame> frame;
+    std::optional<protocol::Frame> frame;  // past the rest of the login answers
     while ((frame = alice->next()) && frame->code != out::kAccountInfo) {
     }
     ASSERT_TRUE(frame);
