@@ -331,13 +331,11 @@ void ChatMain::onAwayMenuItem(const QString& key) {
 }
 
 void ChatMain::openSettings(ChatConfig::Page page) {
-    auto* config = qobject_cast<ChatConfig*>(settingsWindow_);
-    if (config == nullptr) {
-        config = new ChatConfig(session_.settings(), session_.dataFiles(), *prompter_,
-                                &session_.sounds(), this);
-        settingsWindow_ = config;
+    if (settingsWindow_ == nullptr) {
+        settingsWindow_ = new ChatConfig(session_.settings(), session_.dataFiles(), *prompter_,
+                                         &session_.sounds(), this);
     }
-    config->openAt(page);
+    settingsWindow_->openAt(page);
 }
 
 void ChatMain::showAbout() {

@@ -69,7 +69,7 @@ class ChatMain : public QMainWindow {
     QLabel* timeLabel_ = nullptr;
     QSystemTrayIcon* tray_ = nullptr;
     ConnectionWindows* connectionWindows_ = nullptr;
-    QWidget* settingsWindow_ = nullptr;
+    ChatConfig* settingsWindow_ = nullptr;
 };
 
 }  // namespace tavren

@@ -84,5 +84,19 @@ TEST_F(MainWindowTest, ViewSwitchesPersistAtOnce) {
     EXPECT_FALSE(reloaded.settings().values().playSounds);
 }
 
+TEST_F(MainWindowTest, AwayEditorCommandsOpenTheSettingsAtTheAwayList) {
+    window->action(QStringLiteral("Editawaym"))->trigger();
+    auto* config = window->findChild<ChatConfig*>();
+    ASSERT_NE(config, nullptr);
+    EXPECT_TRUE(config->isVisible());
+    EXPECT_EQ(config->currentPage(), ChatConfig::Page::AwayMessages);
+
+    // The status button's editor entry reaches the same window, not a second one.
+    config->showPage(ChatConfig::Page::General);
+    window->awayMenu()->actions().constLast()->trigger();
+    EXPECT_EQ(window->findChildren<ChatConfig*>().size(), 1);
+    EXPECT_EQ(config->currentPage(), ChatConfig::Page::AwayMessages);
+}
+
 }  // namespace
 }  // namespace tavren
