@@ -91,14 +91,18 @@ void ServerConnection::onLinkFailed(QAbstractSocket::SocketError error,
     reportFailure(error, description);
 }
 
-void ServerConnection::reportFailure(QAbstractSocket::SocketError error,
-                                     const QString& description) {
-    const bool duringConnect = phase_ != Phase::Up;
-    const bool wasUp = phase_ == Phase::Up;
+void ServerConnection::enterClosed() {
     connectTimer_.stop();
     clock_.stop();
     watchdog_.stop();
     phase_ = Phase::Closed;
+}
+
+void ServerConnection::reportFailure(QAbstractSocket::SocketError error,
+                                     const QString& description) {
+    const bool duringConnect = phase_ != Phase::Up;
+    const bool wasUp = phase_ == Phase::Up;
+    enterClosed();
     const QString known = ConnectionFailure::knownMessage(error, duringConnect);
     if (known.isEmpty()) {
         errorLog_.ShowErrorMessage(
@@ -140,9 +144,7 @@ void ServerConnection::onStreamRefused(const QString& text) {
         GoOffline(false);
         return;
     }
-    connectTimer_.stop();
-    clock_.stop();
-    phase_ = Phase::Closed;
+    enterClosed();
     emit connectFailed();
 }
 
@@ -151,10 +153,7 @@ void ServerConnection::GoOffline(bool remote) {
         return;
     }
     link_.close();
-    connectTimer_.stop();
-    clock_.stop();
-    watchdog_.stop();
-    phase_ = Phase::Closed;
+    enterClosed();
     if (remote) {
         tellOffline(autoReloginEnabled()
                         ? QStringLiteral(
@@ -169,10 +168,7 @@ void ServerConnection::PingTimedOut() {
         return;
     }
     link_.close();
-    connectTimer_.stop();
-    clock_.stop();
-    watchdog_.stop();
-    phase_ = Phase::Closed;
+    enterClosed();
     tellOffline(
         QStringLiteral("You have been timed out due to no ping requests, Auto Relogin Enabled.."));
     emit wentOffline(false);

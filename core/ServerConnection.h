@@ -78,6 +78,8 @@ class ServerConnection : public QObject {
     void onStreamRefused(const QString& text);
     void reportFailure(QAbstractSocket::SocketError error, const QString& description);
     void tellOffline(const QString& text);
+    // Stops the connect timer, the connected-time clock and the watchdog; the link is down.
+    void enterClosed();
 
     Settings& settings_;
     Prompter& prompter_;
