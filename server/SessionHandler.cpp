@@ -8,6 +8,7 @@
 #include "server/PasswordWorker.h"
 #include "server/PresenceHub.h"
 #include "server/Replies.h"
+#include "server/StatusCommand.h"
 #include "server/StorageError.h"
 
 #ifndef TAVREND_VERSION
@@ -83,6 +84,8 @@ asio::awaitable<void> SessionHandler::dispatch(protocol::Frame& frame) {
         co_await onChangePassword(frame.payload);
     } else if (code == in::kNicknameFormat) {
         onNicknameFormat(frame.payload);
+    } else if (code == in::kAwayStatus) {
+        onStatusCommand(frame.payload);
     } else if (code == in::kAccountRefreshOk) {
         // The client's answer to an account refresh; nothing follows from it.
     } else if (code == in::kCredentials || code == in::kVersionBeforeLogin ||
@@ -286,6 +289,33 @@ void SessionHandler::drop(const protocol::Frame& frame, std::string_view why) {
     Log::info("dropped (" + std::to_string(frame.code.cmd1) + ", " +
               std::to_string(frame.code.cmd2) + ") from " + link_.peerAddress() + " " +
               std::string(why));
+}
+
+void SessionHandler::onStatusCommand(const std::string& payload) {
+    const StatusCommand command = StatusCommand::Parse(payload);
+    switch (command.kind) {
+        case StatusCommand::Kind::kHelp: {
+            std::string list;
+            for (const std::string& line : StatusCommand::HelpLines()) {
+                list += line;
+                list += protocol::kRecordFieldSeparator;
+            }
+            link_.send(out::kListUpdate, list);
+            return;
+        }
+        case StatusCommand::Kind::kAway:
+            link_.send(out::kAwayMenu, protocol::JoinFields({protocol::kTrueText, command.argument},
+                                                            protocol::kListSeparator));
+            return;
+        case StatusCommand::Kind::kBack:
+            link_.send(out::kAwayMenu,
+                       protocol::JoinFields({protocol::kFalseText, ""}, protocol::kListSeparator));
+            return;
+        case StatusCommand::Kind::kUnknown:
+            link_.send(replies::kNotice, "Unknown command \"" + command.argument +
+                                             "\". Type /help for the commands this server knows.");
+            return;
+    }
 }
 
 }  // namespace tavren::server

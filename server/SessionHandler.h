@@ -46,6 +46,7 @@ class SessionHandler {
     asio::awaitable<void> onChangePassword(const std::string& payload);
     void onChangeEmail(const std::string& payload);
     void onNicknameFormat(const std::string& payload);
+    void onStatusCommand(const std::string& payload);
     void refuseLogin(std::string_view name, std::string_view why);
     void refuseSignUp(std::string_view name, std::string_view why);
     void countFailure();

@@ -56,5 +56,28 @@ TEST_F(AccountTest, AccountAddThenTheMembersOwnChangesAreCheckedAndKept) {
     EXPECT_EQ(frame->payload, "new@example.org");
 }
 
+TEST_F(AccountTest, StatusLinesFromTheConsoleAreAnswered) {
+    ASSERT_EQ(accountAdd({"Alice", "secret1"}).exitCode, 0);
+    startServer();
+    auto alice = logIn("Alice", "secret1");
+    alice->send(in::kAwayStatus, "  /HELP ");
+    std::optional<protocol::Frame> frame;  // past the rest of the login answers
+    while ((frame = alice->next()) && frame->code != out::kListUpdate) {
+    }
+    ASSERT_TRUE(frame);
+    EXPECT_NE(frame->payload.find("/away TEXT"), std::string::npos) << frame->payload;
+    EXPECT_EQ(frame->payload.back(), '\x01');
+
+    alice->send(in::kAwayStatus, "/away Out to lunch: back at 1;30");
+    EXPECT_EQ(alice->expect(out::kAwayMenu).payload, "True;Out to lunch: back at 1;30");
+    alice->send(in::kAwayStatus, "/back");
+    EXPECT_EQ(alice->expect(out::kAwayMenu).payload, "False;");
+    alice->send(in::kAwayStatus, "/frobnicate " + std::string(500, 'x'));
+    const std::string unknown = alice->expect(kNotice).payload;
+    EXPECT_NE(unknown.find("\"/frobnicate\""), std::string::npos) << unknown;
+    alice->send(in::kAwayStatus, "/" + std::string(500, 'y'));
+    EXPECT_LT(alice->expect(kNotice).payload.size(), 200u);
+}
+
 }  // namespace
 }  // namespace tavren::test
