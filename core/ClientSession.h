@@ -7,6 +7,7 @@
 #include "config/SettingsStore.h"
 #include "config/SoundPlayer.h"
 #include "contacts/DataFiles.h"
+#include "core/AwayStatus.h"
 #include "core/ServerSession.h"
 
 namespace tavren {
@@ -15,7 +16,8 @@ class AutostartRegistrar;
 class Prompter;
 
 // The session-side objects of one running client, owned in one place and handed to the windows
-// by reference: the settings, the three data files, the sound player and the server session.
+// by reference: the settings, the three data files, the sound player, the server session and the
+// away state.
 class ClientSession : public QObject {
     Q_OBJECT
   public:
@@ -34,6 +36,7 @@ class ClientSession : public QObject {
     PerformList& performList() { return files_.perform(); }
     SoundPlayer& sounds() { return sounds_; }
     ServerSession& server() { return server_; }
+    AwayStatus& awayStatus() { return awayStatus_; }
 
   private:
     QString dataRoot_;
@@ -42,6 +45,7 @@ class ClientSession : public QObject {
     DataFiles files_;
     SoundPlayer sounds_;
     ServerSession server_;
+    AwayStatus awayStatus_;
 };
 
 }  // namespace tavren

@@ -53,6 +53,8 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     connect(&settings, &Settings::showAdsChanged, this, &ChatMain::applyViewSettings);
     connect(&settings, &Settings::showToolsChanged, this, &ChatMain::applyViewSettings);
     connect(&session_.awayMessages(), &AwayMessages::changed, this, &ChatMain::rebuildAwayMenu);
+    connect(&session_.awayStatus(), &AwayStatus::changed, this, &ChatMain::rebuildAwayMenu);
+    connect(&session_.server(), &ServerSession::onlineChanged, this, &ChatMain::rebuildAwayMenu);
     applyViewSettings();
     rebuildAwayMenu();
 
@@ -311,15 +313,22 @@ void ChatMain::rebuildAwayMenu() {
     for (const AwayMessage& message : session_.awayMessages().entries()) {
         names << message.name;
     }
-    for (const AwayMenuModel::Item& item : AwayMenuModel::build(names, false)) {
+    const bool online = session_.server().online();
+    const bool away = session_.awayStatus().away();
+    statusButton_->setText(away ? QStringLiteral("Away") : QStringLiteral("Active"));
+    statusButton_->setToolTip(away ? session_.awayStatus().message()
+                                   : QStringLiteral("Away messages"));
+    for (const AwayMenuModel::Item& item : AwayMenuModel::build(names, away)) {
         if (item.isSeparator()) {
             awayMenu_->addSeparator()->setObjectName(item.key);
             continue;
         }
         QAction* action = awayMenu_->addAction(item.caption);
         action->setObjectName(item.key);
-        // Going away needs the server; only the editor works while offline.
-        action->setEnabled(item.key == QLatin1String("edt"));
+        // Going away and coming back need the server; the editor works offline too. A new
+        // message is written in the settings window's away list for now.
+        const bool needsServer = item.key != QLatin1String("edt");
+        action->setEnabled(item.key != QLatin1String("new") && (!needsServer || online));
         connect(action, &QAction::triggered, this, [this, key = item.key] { onAwayMenuItem(key); });
     }
 }
@@ -327,6 +336,13 @@ void ChatMain::rebuildAwayMenu() {
 void ChatMain::onAwayMenuItem(const QString& key) {
     if (key == QLatin1String("edt")) {
         openSettings(ChatConfig::Page::AwayMessages);
+    } else if (key == QLatin1String("back")) {
+        session_.awayStatus().comeBack();
+    } else if (const int index = AwayMenuModel::awayIndex(key); index >= 0) {
+        const auto& entries = session_.awayMessages().entries();
+        if (index < entries.size()) {
+            session_.awayStatus().goAway(entries[index].text);
+        }
     }
 }
 

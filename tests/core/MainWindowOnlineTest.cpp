@@ -3,7 +3,9 @@
 #include <QAction>
 #include <QDir>
 #include <QLabel>
+#include <QMenu>
 #include <QTemporaryDir>
+#include <QToolButton>
 
 #include "connection/TavrendProcess.h"
 #include "connection/Wait.h"
@@ -52,12 +54,29 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     EXPECT_TRUE(
         test::waitUntil([&] { return online->text().startsWith(QStringLiteral("Online: ")); }));
 
+    // Going away from the status button's menu, and coming back, as the server confirms it.
+    const auto awayAction = [&](const char* key) {
+        return window.awayMenu()->findChild<QAction*>(QString::fromLatin1(key));
+    };
+    auto* status = window.findChild<QToolButton*>(QStringLiteral("statusButton"));
+    ASSERT_NE(status, nullptr);
+    ASSERT_TRUE(awayAction("awy1")->isEnabled());
+    awayAction("awy1")->trigger();
+    ASSERT_TRUE(test::waitUntil([&] { return session.awayStatus().away(); }));
+    EXPECT_EQ(session.awayStatus().message(), QStringLiteral("I'm playing a game right now."));
+    EXPECT_EQ(status->text(), QStringLiteral("Away"));
+    EXPECT_EQ(awayAction("awy0"), nullptr);
+    awayAction("back")->trigger();
+    ASSERT_TRUE(test::waitUntil([&] { return !session.awayStatus().away(); }));
+    EXPECT_EQ(status->text(), QStringLiteral("Active"));
+
     server.stop();
     ASSERT_TRUE(test::waitUntil([&] { return !session.server().online(); }));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Tavren Chat Offline (?\?)"));
     EXPECT_EQ(online->text(), QStringLiteral("Offline"));
     EXPECT_EQ(window.action(QStringLiteral("loginoff"))->text(), QStringLiteral("&Login.."));
     EXPECT_FALSE(window.action(QStringLiteral("changepassword"))->isEnabled());
+    EXPECT_FALSE(awayAction("awy0")->isEnabled());
 }
 
 }  // namespace
