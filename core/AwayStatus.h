@@ -7,6 +7,8 @@
 
 namespace tavren {
 
+class AwayMessages;
+class Prompter;
 class ServerLink;
 
 // Whether the member is away, as the server last said it (2, 15), and the two requests that
@@ -21,6 +23,10 @@ class AwayStatus : public QObject {
 
     void goAway(const QString& text);  // (2, 1) "/away " + text
     void comeBack();                   // (2, 1) "/back"
+    // The new-away dialog's OK: goes away with `text`, first adding the message to the saved
+    // list when `keep` is set. False, after telling the user, when the name or text is missing.
+    bool goAwayWithNew(const QString& name, const QString& text, bool keep, AwayMessages& saved,
+                       Prompter& prompter);
     // Back is the state of every new session.
     void reset();
 

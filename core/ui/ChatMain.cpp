@@ -23,6 +23,7 @@
 #include "core/ConnectedClock.h"
 #include "core/ui/AboutDialog.h"
 #include "core/ui/AppIcon.h"
+#include "core/ui/ChatNewAway.h"
 #include "core/ui/ConnectionWindows.h"
 #include "core/ui/MessageBoxPrompter.h"
 
@@ -134,7 +135,15 @@ void ChatMain::buildMenus() {
     addCommand(buddyMenu, QStringLiteral("mnusetupb"), QStringLiteral("Buddy List &Setup.."),
                false);
     buddyMenu->addSeparator();
-    addCommand(buddyMenu, QStringLiteral("newaway"), QStringLiteral("&New Away Message.."), false);
+    connect(addCommand(buddyMenu, QStringLiteral("newaway"), QStringLiteral("&New Away Message.."),
+                       false),
+            &QAction::triggered, this, [this] {
+                if (session_.awayStatus().away()) {
+                    session_.awayStatus().comeBack();
+                } else {
+                    openNewAway();
+                }
+            });
     connect(addCommand(buddyMenu, QStringLiteral("Editawaym"),
                        QStringLiteral("&Edit Away Messages.."), true),
             &QAction::triggered, this, [this] { openSettings(ChatConfig::Page::AwayMessages); });
@@ -316,6 +325,10 @@ void ChatMain::rebuildAwayMenu() {
     const bool online = session_.server().online();
     const bool away = session_.awayStatus().away();
     statusButton_->setText(away ? QStringLiteral("Away") : QStringLiteral("Active"));
+    QAction* newAway = actions_.value(QStringLiteral("newaway"));
+    newAway->setText(away ? QStringLiteral("Set Yourself &Back..")
+                          : QStringLiteral("&New Away Message.."));
+    newAway->setEnabled(online);
     statusButton_->setToolTip(away ? session_.awayStatus().message()
                                    : QStringLiteral("Away messages"));
     for (const AwayMenuModel::Item& item : AwayMenuModel::build(names, away)) {
@@ -325,10 +338,8 @@ void ChatMain::rebuildAwayMenu() {
         }
         QAction* action = awayMenu_->addAction(item.caption);
         action->setObjectName(item.key);
-        // Going away and coming back need the server; the editor works offline too. A new
-        // message is written in the settings window's away list for now.
-        const bool needsServer = item.key != QLatin1String("edt");
-        action->setEnabled(item.key != QLatin1String("new") && (!needsServer || online));
+        // Going away and coming back need the server; the editor works offline too.
+        action->setEnabled(online || item.key == QLatin1String("edt"));
         connect(action, &QAction::triggered, this, [this, key = item.key] { onAwayMenuItem(key); });
     }
 }
@@ -336,6 +347,8 @@ void ChatMain::rebuildAwayMenu() {
 void ChatMain::onAwayMenuItem(const QString& key) {
     if (key == QLatin1String("edt")) {
         openSettings(ChatConfig::Page::AwayMessages);
+    } else if (key == QLatin1String("new")) {
+        openNewAway();
     } else if (key == QLatin1String("back")) {
         session_.awayStatus().comeBack();
     } else if (const int index = AwayMenuModel::awayIndex(key); index >= 0) {
@@ -344,6 +357,11 @@ void ChatMain::onAwayMenuItem(const QString& key) {
             session_.awayStatus().goAway(entries[index].text);
         }
     }
+}
+
+void ChatMain::openNewAway() {
+    ChatNewAway dialog(session_.awayStatus(), session_.awayMessages(), *prompter_, this);
+    dialog.exec();
 }
 
 void ChatMain::openSettings(ChatConfig::Page page) {

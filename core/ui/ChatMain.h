@@ -50,6 +50,7 @@ class ChatMain : public QMainWindow {
     void applyViewSettings();
     void rebuildAwayMenu();
     void onAwayMenuItem(const QString& key);
+    void openNewAway();
     void showAbout();
     void setOnlineLook(bool online);
     void followServerSession();

@@ -93,6 +93,35 @@ TEST_F(StartupTest, SecondCopyAsksAndEndsOnNo) {
     EXPECT_TRUE(accepted.claimProcess());
 }
 
+TEST_F(StartupTest, NewAwayMessageNeedsBothFieldsAndIsKeptOnlyWhenAsked) {
+    ClientSession session(root.path(), nullptr, prompter);
+    Startup(root.path(), prompter).loadUserData(session);
+    AwayStatus& status = session.awayStatus();
+    AwayMessages& saved = session.awayMessages();
+
+    EXPECT_FALSE(
+        status.goAwayWithNew(QStringLiteral(" "), QStringLiteral("text"), true, saved, prompter));
+    EXPECT_FALSE(status.goAwayWithNew(QStringLiteral("Name"), QString(), true, saved, prompter));
+    ASSERT_EQ(prompter.asked.size(), 2u);
+    EXPECT_EQ(
+        prompter.asked[0].text,
+        QStringLiteral("Please Enter a Name and check that the new away message is there..."));
+    EXPECT_EQ(prompter.asked[0].title, QStringLiteral("Away Message..."));
+    EXPECT_EQ(saved.entries().size(), 2);
+
+    EXPECT_TRUE(status.goAwayWithNew(QStringLiteral("Once"), QStringLiteral("not kept"), false,
+                                     saved, prompter));
+    EXPECT_EQ(saved.entries().size(), 2);
+    // A kept message is one line of the file, whatever was pasted into it.
+    EXPECT_TRUE(status.goAwayWithNew(QStringLiteral("Lunch\x01"),
+                                     QStringLiteral("Out\r\nback at one"), true, saved, prompter));
+    AwayMessages reread(saved.filePath());
+    reread.load();
+    ASSERT_EQ(reread.entries().size(), 3);
+    EXPECT_EQ(reread.entries()[2].name, QStringLiteral("Lunch"));
+    EXPECT_EQ(reread.entries()[2].text, QStringLiteral("Out  back at one"));
+}
+
 TEST(AwayMenuModelTest, ItemsFollowTheAwayState) {
     const auto back = AwayMenuModel::build({"Lunch", "Game"}, false);
     QStringList keys;
