@@ -40,5 +40,6 @@ target_sources(tavren_ui PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChatError.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ui/ChatLogin.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ui/ConnectionWindows.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ui/FormDialog.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ui/SignUpDialog.cpp
 )

@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QDialog>
-
-class QLabel;
-class QLineEdit;
+#include "core/ui/FormDialog.h"
 
 namespace tavren {
 
@@ -12,7 +9,7 @@ class SavedAccounts;
 // Adds a saved account to the login list or changes one (the list's "addquick" and "modify"
 // items). The entry is checked against the list before the dialog closes; problems are shown
 // inside the dialog.
-class AccountEntryDialog : public QDialog {
+class AccountEntryDialog : public FormDialog {
     Q_OBJECT
   public:
     // `row` 0 adds a new entry, a saved account's row edits it.
@@ -29,7 +26,6 @@ class AccountEntryDialog : public QDialog {
     int savedRow_ = -1;
     QLineEdit* name_;
     QLineEdit* password_;
-    QLabel* problem_;
 };
 
 }  // namespace tavren

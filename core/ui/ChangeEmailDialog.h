@@ -1,16 +1,13 @@
 #pragma once
 
-#include <QDialog>
-
-class QLabel;
-class QLineEdit;
+#include "core/ui/FormDialog.h"
 
 namespace tavren {
 
 class AccountRequests;
 
 // Changes the logged-in member's e-mail address, starting from the address the server has.
-class ChangeEmailDialog : public QDialog {
+class ChangeEmailDialog : public FormDialog {
     Q_OBJECT
   public:
     ChangeEmailDialog(AccountRequests& requests, const QString& currentEmail,
@@ -21,7 +18,6 @@ class ChangeEmailDialog : public QDialog {
   private:
     AccountRequests& requests_;
     QLineEdit* email_;
-    QLabel* problem_;
 };
 
 }  // namespace tavren

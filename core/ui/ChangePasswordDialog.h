@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QDialog>
-
-class QLabel;
-class QLineEdit;
+#include "core/ui/FormDialog.h"
 
 namespace tavren {
 
@@ -11,7 +8,7 @@ class AccountRequests;
 
 // Changes the logged-in member's password: the current one and the new one twice. The server's
 // answer arrives later as a "Success!" or "Attention!" message.
-class ChangePasswordDialog : public QDialog {
+class ChangePasswordDialog : public FormDialog {
     Q_OBJECT
   public:
     explicit ChangePasswordDialog(AccountRequests& requests, QWidget* parent = nullptr);
@@ -23,7 +20,6 @@ class ChangePasswordDialog : public QDialog {
     QLineEdit* current_;
     QLineEdit* replacement_;
     QLineEdit* confirmation_;
-    QLabel* problem_;
 };
 
 }  // namespace tavren

@@ -1,57 +1,24 @@
 #include "core/ui/SignUpDialog.h"
 
-#include <QDialogButtonBox>
-#include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include "core/LoginFlow.h"
 
 namespace tavren {
 
 SignUpDialog::SignUpDialog(LoginFlow& login, QWidget* parent)
-    : QDialog(parent),
+    : FormDialog(QStringLiteral("SignUpDialog"), QStringLiteral("Sign Up for Tavren Chat"), parent),
       login_(login),
-      name_(new QLineEdit(this)),
-      password_(new QLineEdit(this)),
-      confirmation_(new QLineEdit(this)),
-      email_(new QLineEdit(this)),
-      problem_(new QLabel(this)) {
-    setObjectName(QStringLiteral("SignUpDialog"));
-    setWindowTitle(QStringLiteral("Sign Up for Tavren Chat"));
-    name_->setObjectName(QStringLiteral("signUpName"));
-    password_->setObjectName(QStringLiteral("signUpPassword"));
-    confirmation_->setObjectName(QStringLiteral("signUpConfirmation"));
-    email_->setObjectName(QStringLiteral("signUpEmail"));
-    password_->setEchoMode(QLineEdit::Password);
-    confirmation_->setEchoMode(QLineEdit::Password);
-    problem_->setObjectName(QStringLiteral("problem"));
-    problem_->setStyleSheet(QStringLiteral("color: #b00000"));
-    problem_->setWordWrap(true);
-
-    auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("&Nickname:"), name_);
-    form->addRow(QStringLiteral("&Password:"), password_);
-    form->addRow(QStringLiteral("&Confirm password:"), confirmation_);
-    form->addRow(QStringLiteral("&E-mail address:"), email_);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("&Sign Up"));
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    auto* layout = new QVBoxLayout(this);
-    layout->addWidget(new QLabel(
-        QStringLiteral("A nickname has 2 to 20 letters, digits, '_', '-' or '.', starting with a "
-                       "letter. A password has 4 to 64 characters."),
-        this));
-    layout->addLayout(form);
-    layout->addWidget(problem_);
-    layout->addWidget(buttons);
-}
-
-void SignUpDialog::showProblem(const QString& problem) {
-    problem_->setText(problem);
+      name_(addField(QStringLiteral("&Nickname:"), QStringLiteral("signUpName"))),
+      password_(addField(QStringLiteral("&Password:"), QStringLiteral("signUpPassword"), true)),
+      confirmation_(addField(QStringLiteral("&Confirm password:"),
+                             QStringLiteral("signUpConfirmation"), true)),
+      email_(addField(QStringLiteral("&E-mail address:"), QStringLiteral("signUpEmail"))) {
+    setNote(
+        QStringLiteral("A nickname has 2 to 20 letters, digits, '_', '-' or '.', starting with "
+                       "a letter. A password has 4 to 64 characters."));
+    okButton()->setText(QStringLiteral("&Sign Up"));
 }
 
 void SignUpDialog::accept() {
@@ -61,7 +28,7 @@ void SignUpDialog::accept() {
         showProblem(problem);
         return;
     }
-    problem_->clear();
+    showProblem(QString());
     QDialog::accept();
     login_.submitSignUp(name_->text(), password_->text(), email_->text());
 }

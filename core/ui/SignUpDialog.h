@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QDialog>
-
-class QLabel;
-class QLineEdit;
+#include "core/ui/FormDialog.h"
 
 namespace tavren {
 
@@ -13,14 +10,13 @@ class LoginFlow;
 // registration. The connection to the server is open while it is shown; closing it without
 // signing up closes the connection. Kept (with what was typed) when the server refuses, so the
 // member can correct one field.
-class SignUpDialog : public QDialog {
+class SignUpDialog : public FormDialog {
     Q_OBJECT
   public:
     explicit SignUpDialog(LoginFlow& login, QWidget* parent = nullptr);
 
     void accept() override;
     void reject() override;
-    void showProblem(const QString& problem);
 
   private:
     LoginFlow& login_;
@@ -28,7 +24,6 @@ class SignUpDialog : public QDialog {
     QLineEdit* password_;
     QLineEdit* confirmation_;
     QLineEdit* email_;
-    QLabel* problem_;
 };
 
 }  // namespace tavren

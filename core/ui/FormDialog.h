@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QDialog>
+
+class QDialogButtonBox;
+class QFormLayout;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+
+namespace tavren {
+
+// The account dialogs' common shape: an optional note, labelled text fields, a line in red that
+// says what is wrong, and OK/Cancel. OK stays in the dialog until the subclass's accept() finds
+// the fields good; a problem is shown inside the dialog rather than in a box of its own.
+class FormDialog : public QDialog {
+    Q_OBJECT
+  public:
+    void showProblem(const QString& problem);
+
+  protected:
+    FormDialog(const QString& objectName, const QString& title, QWidget* parent);
+
+    // A line edit in a new row of the form; `secret` hides what is typed.
+    QLineEdit* addField(const QString& label, const QString& objectName, bool secret = false,
+                        const QString& text = QString());
+    // A sentence above the form.
+    void setNote(const QString& note);
+    QPushButton* okButton() const;
+
+  private:
+    QLabel* note_;
+    QFormLayout* form_;
+    QLabel* problem_;
+    QDialogButtonBox* buttons_;
+};
+
+}  // namespace tavren
