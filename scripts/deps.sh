@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Installs the Debian packages the build, the programs and the tests need, when any is missing.
+# Every name is a real package, not a virtual one that another package provides: dpkg-query
+# knows only real packages, so a virtual name would look missing on a complete machine and
+# send every run to apt-get.
 set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config git
-    qt6-base-dev qt6-multimedia-dev libqt6svg6-dev qt6-tools-dev-tools
+    qt6-base-dev qt6-multimedia-dev qt6-tools-dev-tools
     libasio-dev libsqlite3-dev libsodium-dev
     libgtest-dev libgmock-dev libbenchmark-dev
     libturbojpeg0-dev libjpeg62-turbo-dev
