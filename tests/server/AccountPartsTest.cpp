@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "server/AccountRules.h"
-#include "server/PasswordHasher.h"
-#include "server/SqliteAccountStore.h"
-#include "server/SqliteDatabase.h"
-#include "server/StorageError.h"
+#include "server/accounts/AccountRules.h"
+#include "server/accounts/PasswordHasher.h"
+#include "server/storage/SqliteAccountStore.h"
+#include "server/storage/SqliteDatabase.h"
+#include "server/storage/StorageError.h"
 
 namespace tavren::server {
 namespace {

@@ -1,4 +1,4 @@
-#include "server/CommandLine.h"
+#include "server/app/CommandLine.h"
 
 #include <gtest/gtest.h>
 

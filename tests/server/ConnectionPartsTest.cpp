@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "core/protocol/Catalogue.h"
-#include "server/AddressLimiter.h"
-#include "server/FrameRateLimiter.h"
-#include "server/LocalPresenceHub.h"
-#include "server/OutgoingQueue.h"
+#include "core/protocol/Frame.h"
+#include "server/net/AddressLimiter.h"
+#include "server/net/FrameRateLimiter.h"
+#include "server/net/LocalPresenceHub.h"
+#include "server/net/OutgoingQueue.h"
 
 namespace tavren::server {
 namespace {
@@ -65,6 +66,11 @@ class RecordingLink : public ClientLink {
             hub_.leave(name_, this);
         }
     }
+    void sendFrame(SharedFrame frame) override {
+        const auto parsed = protocol::ParseFrame(*frame);
+        ASSERT_TRUE(parsed);
+        send(parsed->code, parsed->payload);
+    }
     void finish(std::string_view) override {}
     const std::string& peerAddress() const override { return name_; }
     bool got(protocol::CodePair code, const std::string& payload) const {
@@ -107,15 +113,24 @@ TEST(LocalPresenceHubTest, CountsMembersOnceOnlyTheCurrentLinkLeavesAndBroadcast
     EXPECT_EQ(bob->frames.back(), std::make_pair(out::kOnlineCount, std::string("1")));
 }
 
+SharedFrame shared(std::string bytes) {
+    return std::make_shared<const std::string>(std::move(bytes));
+}
+
 TEST(OutgoingQueueTest, RefusesFramesBeyondEitherLimitAndKeepsTheirOrder) {
-    OutgoingQueue queue(2, 10);
-    EXPECT_TRUE(queue.push(std::string(6, 'a')));
-    EXPECT_FALSE(queue.push(std::string(5, 'b'))) << "eleven bytes";
-    EXPECT_TRUE(queue.push(std::string(4, 'c')));
-    EXPECT_FALSE(queue.push("d")) << "three frames";
-    queue.pop();
-    EXPECT_EQ(queue.front(), "cccc");
-    EXPECT_EQ(queue.bytes(), 4u);
+    OutgoingQueue queue(3, 10);
+    EXPECT_TRUE(queue.push(shared(std::string(6, 'a'))));
+    EXPECT_FALSE(queue.push(shared(std::string(5, 'b')))) << "eleven bytes";
+    EXPECT_TRUE(queue.push(shared(std::string(3, 'c'))));
+    EXPECT_TRUE(queue.push(shared("d")));
+    EXPECT_FALSE(queue.push(shared("e"))) << "four frames";
+    EXPECT_EQ(queue.at(1), "ccc");
+    queue.pop(2);
+    EXPECT_EQ(queue.front(), "d");
+    EXPECT_EQ(queue.bytes(), 1u);
+    queue.pop(5);  // more than there are
+    EXPECT_TRUE(queue.empty());
+    EXPECT_EQ(queue.bytes(), 0u);
 }
 
 TEST(AddressLimiterTest, SlotsAreGivenBackHoweverTheyEnd) {

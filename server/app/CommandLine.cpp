@@ -1,0 +1,204 @@
+#include "server/app/CommandLine.h"
+
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <map>
+
+#include "server/app/DataFolder.h"
+
+namespace tavren::server {
+
+namespace {
+
+template <typename Number>
+Number parseNumber(const std::string& option, const std::string& text, Number low, Number high) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || end != text.data() + text.size() || !(value >= low) ||
+        !(value <= high)) {
+        throw CommandLineError(option + " wants a number from " + std::to_string(low) + " to " +
+                               std::to_string(high) + ", not \"" + text + "\"");
+    }
+    return value;
+}
+
+// Intervals are given in seconds and may have a fraction, so tests can use short ones.
+std::chrono::milliseconds parseSeconds(const std::string& option, const std::string& text) {
+    const double seconds = parseNumber<double>(option, text, 0.01, 86400.0);
+    return std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(seconds * 1000.0)));
+}
+
+VersionNumber parseVersion(const std::string& option, const std::string& text) {
+    if (auto version = VersionNumber::parse(text)) {
+        return *version;
+    }
+    throw CommandLineError(option + " wants a version like 1.2.3, not \"" + text + "\"");
+}
+
+// "host:port", "[v6-address]:port"; the port may be 0 to let the system choose one.
+void parseListen(const std::string& text, ServerConfig& config) {
+    std::string host;
+    std::string port;
+    if (!text.empty() && text.front() == '[') {
+        const auto close = text.find("]:");
+        if (close == std::string::npos) {
+            throw CommandLineError("--listen wants HOST:PORT, not \"" + text + "\"");
+        }
+        host = text.substr(1, close - 1);
+        port = text.substr(close + 2);
+    } else {
+        const auto colon = text.rfind(':');
+        if (colon == std::string::npos) {
+            throw CommandLineError("--listen wants HOST:PORT, not \"" + text + "\"");
+        }
+        host = text.substr(0, colon);
+        port = text.substr(colon + 1);
+    }
+    if (host.empty()) {
+        throw CommandLineError("--listen wants a host before the port");
+    }
+    config.listenHost = host;
+    config.listenPort = parseNumber<std::uint16_t>("--listen", port, 0, 65535);
+}
+
+using OptionHandler = std::function<void(CommandLine&, const std::string&)>;
+
+const std::map<std::string, OptionHandler>& optionHandlers() {
+    static const std::map<std::string, OptionHandler> handlers = {
+        {"--listen", [](CommandLine& c, const std::string& v) { parseListen(v, c.config); }},
+        {"--db", [](CommandLine& c, const std::string& v) { c.config.databasePath = v; }},
+        {"--ping-interval",
+         [](CommandLine& c, const std::string& v) {
+             c.config.pingInterval = parseSeconds("--ping-interval", v);
+         }},
+        {"--ping-misses",
+         [](CommandLine& c, const std::string& v) {
+             c.config.pingMisses = parseNumber<int>("--ping-misses", v, 1, 1000);
+         }},
+        {"--login-timeout",
+         [](CommandLine& c, const std::string& v) {
+             c.config.loginTimeout = parseSeconds("--login-timeout", v);
+         }},
+        {"--max-payload",
+         [](CommandLine& c, const std::string& v) {
+             c.config.maxPayload =
+                 parseNumber<std::uint32_t>("--max-payload", v, 64, protocol::kMaxPayloadLength);
+         }},
+        {"--frame-rate",
+         [](CommandLine& c, const std::string& v) {
+             c.config.framesPerSecond = parseNumber<double>("--frame-rate", v, 0.1, 1e6);
+         }},
+        {"--flood-limit",
+         [](CommandLine& c, const std::string& v) {
+             c.config.floodLimit = parseNumber<int>("--flood-limit", v, 1, 1000000);
+         }},
+        {"--max-per-address",
+         [](CommandLine& c, const std::string& v) {
+             c.config.maxConnectionsPerAddress =
+                 parseNumber<int>("--max-per-address", v, 1, 100000);
+         }},
+        {"--queue-limit",
+         [](CommandLine& c, const std::string& v) {
+             c.config.outgoingQueueLimit = parseNumber<std::size_t>("--queue-limit", v, 1, 1000000);
+         }},
+        {"--send-buffer",
+         [](CommandLine& c, const std::string& v) {
+             c.config.socketSendBuffer = parseNumber<int>("--send-buffer", v, 0, 64 << 20);
+         }},
+        {"--max-login-attempts",
+         [](CommandLine& c, const std::string& v) {
+             c.config.maxLoginAttempts = parseNumber<int>("--max-login-attempts", v, 1, 1000);
+         }},
+        {"--min-version",
+         [](CommandLine& c, const std::string& v) {
+             c.config.minimumVersion = parseVersion("--min-version", v);
+         }},
+        {"--latest-version",
+         [](CommandLine& c, const std::string& v) {
+             c.config.latestVersion = parseVersion("--latest-version", v);
+         }},
+        {"--update-url", [](CommandLine& c, const std::string& v) { c.config.updateUrl = v; }},
+        {"--motd", [](CommandLine& c, const std::string& v) { c.config.messageOfTheDay = v; }},
+        {"--staff",
+         [](CommandLine& c, const std::string& v) {
+             c.staffLevel = parseNumber<int>("--staff", v, 1, 3);
+         }},
+        {"--email", [](CommandLine& c, const std::string& v) { c.accountEmail = v; }},
+    };
+    return handlers;
+}
+
+}  // namespace
+
+CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
+    CommandLine result;
+    std::vector<std::string> words;
+    bool staffOrEmailGiven = false;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        if (argument == "--help" || argument == "-h") {
+            result.mode = Mode::kHelp;
+            return result;
+        }
+        if (argument.rfind("--", 0) != 0) {
+            words.push_back(argument);
+            continue;
+        }
+        const auto handler = optionHandlers().find(argument);
+        if (handler == optionHandlers().end()) {
+            throw CommandLineError("unknown option " + argument);
+        }
+        if (i + 1 >= arguments.size()) {
+            throw CommandLineError(argument + " wants a value");
+        }
+        handler->second(result, arguments[++i]);
+        staffOrEmailGiven = staffOrEmailGiven || argument == "--staff" || argument == "--email";
+    }
+
+    if (!words.empty()) {
+        if (words.size() != 4 || words[0] != "account" || words[1] != "add") {
+            throw CommandLineError("the only command is: account add NAME PASSWORD");
+        }
+        result.mode = Mode::kAccountAdd;
+        result.accountName = words[2];
+        result.accountPassword = words[3];
+    } else if (staffOrEmailGiven) {
+        throw CommandLineError("--staff and --email belong to: account add NAME PASSWORD");
+    }
+    if (result.config.databasePath.empty()) {
+        result.config.databasePath = DataFolder::defaultDatabasePath();
+    }
+    return result;
+}
+
+std::string CommandLine::usage() {
+    return R"(usage:
+  tavrend [--listen HOST:PORT] [--db FILE] [options]
+  tavrend [--db FILE] account add NAME PASSWORD [--staff 1|2|3] [--email ADDRESS]
+
+Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or SIGTERM stop it.
+  --listen HOST:PORT          address to listen on (default 127.0.0.1:5678; port 0 picks a free
+                              one and prints "listening on HOST:PORT")
+  --db FILE                   account database (default $TAVREN_HOME/tavrend.db, else
+                              $XDG_DATA_HOME/tavren/tavrend.db or ~/.local/share/tavren/tavrend.db)
+  --ping-interval SECONDS     time between pings (default 5)
+  --ping-misses N             unanswered pings in a row before a client is dropped (default 3)
+  --login-timeout SECONDS     time allowed to log in or sign up (default 120)
+  --max-payload BYTES         largest payload accepted (default and highest 1048576)
+  --frame-rate N              frames per second a client may send before it is slowed (default 20)
+  --flood-limit N             frames in a row a client may have slowed before it is dropped
+                              (default 60)
+  --max-per-address N         connections open at once from one address (default 8)
+  --queue-limit N             frames waiting for a client that does not read (default 1024)
+  --send-buffer BYTES         kernel send buffer per connection (default: the system's)
+  --max-login-attempts N      failed logins on one connection before it is closed (default 3)
+  --min-version X.Y.Z         older clients are refused (default 1.0.0)
+  --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
+  --update-url URL            where the update is downloaded from
+  --motd TEXT                 notice shown to every member after login
+)";
+}
+
+}  // namespace tavren::server

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "core/protocol/Frame.h"
+#include "server/base/VersionNumber.h"
+
+namespace tavren::server {
+
+// Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
+// tests shrink the intervals so that time-outs happen in a fraction of a second.
+struct ServerConfig {
+    std::string listenHost = "127.0.0.1";
+    std::uint16_t listenPort = 5678;
+    std::filesystem::path databasePath;
+
+    // The server pings every interval; a client that leaves `pingMisses` pings in a row without a
+    // "Pong" is dropped. The client's own watchdog gives up after five silent ticks, so the
+    // interval must stay well below five of its ticks.
+    std::chrono::milliseconds pingInterval{5000};
+    int pingMisses = 3;
+
+    // A connection that has not finished logging in by then is closed. Generous, because the
+    // sign-up dialog is filled in while the connection waits.
+    std::chrono::milliseconds loginTimeout{120000};
+
+    // Incoming frames: the largest payload accepted, and a sustained rate per connection. Frames
+    // beyond the rate are delayed; a client that keeps `floodLimit` frames in a row waiting is
+    // abusing the link and is dropped.
+    std::uint32_t maxPayload = protocol::kMaxPayloadLength;
+    double framesPerSecond = 20.0;
+    int floodLimit = 60;
+
+    // Connections open at once from one address.
+    int maxConnectionsPerAddress = 8;
+
+    // Frames waiting to be written to one client; a client that does not read is dropped when its
+    // queue is full instead of making anyone wait.
+    std::size_t outgoingQueueLimit = 1024;
+    // Kernel send buffer per connection in bytes; 0 leaves the system default.
+    int socketSendBuffer = 0;
+
+    // Failed logins allowed on one connection before it is closed.
+    int maxLoginAttempts = 3;
+
+    // Clients older than `minimumVersion` are refused with a notice; clients older than
+    // `latestVersion` are offered the update and may still log in.
+    VersionNumber minimumVersion{1, 0, 0};
+    VersionNumber latestVersion{1, 0, 0};
+    std::string updateUrl;
+
+    // Shown to every member after login when not empty.
+    std::string messageOfTheDay;
+};
+
+}  // namespace tavren::server

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <asio/awaitable.hpp>
+#include <asio/ip/tcp.hpp>
+#include <asio/steady_timer.hpp>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "core/protocol/FrameCutter.h"
+#include "server/base/ServerConfig.h"
+#include "server/net/AddressLimiter.h"
+#include "server/net/ClientLink.h"
+#include "server/net/FrameHandler.h"
+#include "server/net/FrameRateLimiter.h"
+#include "server/net/OutgoingQueue.h"
+
+namespace tavren::server {
+
+// One client's TCP connection, as five coroutines: a reader that cuts frames out of the stream,
+// paces them and queues them; a handler loop that gives them to the session one at a time,
+// in order; a writer that drains the outgoing queue; a pinger; and a deadline for logging in.
+// Reading goes on while a request is being handled, so a client that hangs up is noticed at once
+// and the work it left behind is skipped. Each coroutine holds the connection alive; stop()
+// closes the socket and wakes them all, and the connection is gone once the last has returned.
+class Connection : public ClientLink, public std::enable_shared_from_this<Connection> {
+  public:
+    Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
+               const FrameHandlerFactory& makeHandler, AddressLimiter::Slot slot,
+               std::string peerAddress);
+
+    void start();
+    // Closes at once, without writing what is queued. Safe to call more than once.
+    void stop(std::string_view reason);
+
+    void send(protocol::CodePair code, std::string_view payload) override;
+    void sendFrame(SharedFrame frame) override;
+    void finish(std::string_view reason) override;
+    const std::string& peerAddress() const override { return peerAddress_; }
+
+  private:
+    // Frames read but not yet handled; the reader stops reading while this many wait.
+    static constexpr std::size_t kInboundLimit = 16;
+    // Frames handed to the kernel in one write: a member of a busy channel gets many small
+    // frames, and one system call for each would cost more than the frames themselves.
+    static constexpr std::size_t kWriteBatch = 64;
+
+    asio::awaitable<void> readLoop();
+    asio::awaitable<void> takeBufferedFrames();
+    asio::awaitable<void> handleLoop();
+    asio::awaitable<void> waitFor(asio::steady_timer& signal);
+    asio::awaitable<void> writeLoop();
+    asio::awaitable<void> pingLoop();
+    asio::awaitable<void> deadlineLoop();
+    // False when the client has to go for flooding.
+    asio::awaitable<bool> pace();
+    void spawn(asio::awaitable<void> loop);
+
+    asio::ip::tcp::socket socket_;
+    const ServerConfig& config_;
+    const FrameHandlerFactory& makeHandler_;
+    std::optional<AddressLimiter::Slot> slot_;
+    std::string peerAddress_;
+    asio::steady_timer writeSignal_;
+    asio::steady_timer pingTimer_;
+    asio::steady_timer deadline_;
+    asio::steady_timer paceTimer_;
+    asio::steady_timer inboundReady_;  // cancelled when a frame is queued
+    asio::steady_timer inboundSpace_;  // cancelled when a frame is taken
+    OutgoingQueue queue_;
+    std::deque<protocol::Frame> inbound_;
+    protocol::FrameCutter cutter_;
+    FrameRateLimiter rateLimiter_;
+    std::unique_ptr<FrameHandler> handler_;  // made in start(), once the link can be shared
+    int unansweredPings_ = 0;
+    bool readerBusy_ = false;
+    bool finishing_ = false;
+    bool overflowed_ = false;  // dropped for not reading; the stop follows at once
+    bool stopped_ = false;
+};
+
+}  // namespace tavren::server

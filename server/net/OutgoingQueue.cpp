@@ -1,0 +1,21 @@
+#include "server/net/OutgoingQueue.h"
+
+namespace tavren::server {
+
+bool OutgoingQueue::push(SharedFrame frame) {
+    if (frames_.size() >= frameLimit_ || frame->size() > byteLimit_ - bytes_) {
+        return false;
+    }
+    bytes_ += frame->size();
+    frames_.push_back(std::move(frame));
+    return true;
+}
+
+void OutgoingQueue::pop(std::size_t count) {
+    for (; count > 0 && !frames_.empty(); --count) {
+        bytes_ -= frames_.front()->size();
+        frames_.pop_front();
+    }
+}
+
+}  // namespace tavren::server

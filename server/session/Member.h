@@ -1,0 +1,36 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <utility>
+
+#include "server/accounts/Account.h"
+#include "server/net/ClientLink.h"
+
+namespace tavren::server {
+
+// A logged-in member as the features see it: the account as it stands (a feature that changes it
+// updates it here too), the link that reaches this member alone, and what tells this login apart
+// from a later login of the same account. Owned by the session; features keep names and session
+// ids, never the Member itself.
+struct Member {
+    Member(Account loggedIn, ClientLink& memberLink, std::uint64_t id,
+           std::shared_ptr<const std::atomic<bool>> goneFlag)
+        : account(std::move(loggedIn)),
+          link(memberLink),
+          sessionId(id),
+          gone(std::move(goneFlag)) {}
+    Member(const Member&) = delete;
+    Member& operator=(const Member&) = delete;
+
+    const std::string& name() const { return account.name; }
+
+    Account account;
+    ClientLink& link;
+    const std::uint64_t sessionId;
+    // Set once the session is over, so that queued work for it (a password check) is skipped.
+    const std::shared_ptr<const std::atomic<bool>> gone;
+};
+
+}  // namespace tavren::server

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "server/base/ServerConfig.h"
+
+namespace tavren::server {
+
+class AccountStore;
+class FeatureTable;
+class PasswordWorker;
+class PresenceHub;
+
+// What every session works with: the login stages use the accounts, the passwords and the hub;
+// a logged-in member's requests go to the features. Owned by the program; all of it is used from
+// the network thread only, except the password worker, which has its own thread.
+struct SessionServices {
+    const ServerConfig& config;
+    AccountStore& accounts;
+    PresenceHub& presence;
+    PasswordWorker& passwords;
+    const FeatureTable& features;
+};
+
+}  // namespace tavren::server
