@@ -1,0 +1,17 @@
+#pragma once
+
+namespace tavren {
+
+// The windows a text command can open, provided by the window layer so that the commands
+// themselves run headless.
+class RoomCommandHost {
+  public:
+    virtual ~RoomCommandHost() = default;
+    virtual void openSettings() = 0;
+    virtual void openNicknameFormat() = 0;
+    virtual void openAbout() = 0;
+    // Closes the room window as its close command does (every channel is left).
+    virtual void closeRoomWindow() = 0;
+};
+
+}  // namespace tavren
