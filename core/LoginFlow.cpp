@@ -146,6 +146,9 @@ void LoginFlow::logOff() {
 void LoginFlow::onLinkReady() {
     const QString version = clientVersion();
     if (mode_ == Mode::New) {
+        // Nobody is online while signing up; the connected time starts with the new member's
+        // login.
+        connection_.clock().reset();
         link_.SendPacket(version, out::kVersionBeforeSignUp);
         emit conversationWindowsClosing();
         emit signUpRequested();
@@ -199,12 +202,24 @@ QString LoginFlow::statusText() const {
         case QAbstractSocket::UnconnectedState:
             break;
     }
+    // Offline: say what is happening and, after a failure, what went wrong in words.
+    const QString problem = connection_.lastProblem();
+    if (button_.kind == LoginButton::Kind::Countdown) {
+        const QString waiting = QStringLiteral("Auto Reconnect: waiting to try again");
+        return problem.isEmpty() ? waiting + QStringLiteral("..")
+                                 : waiting + QStringLiteral(" (") + problem + QLatin1Char(')');
+    }
+    if (!problem.isEmpty()) {
+        return QStringLiteral("Error! ") + problem;
+    }
     switch (link_.lastEnding()) {
         case ServerLink::Ending::Error:
             return QStringLiteral("Error!");
         case ServerLink::Ending::RemoteClosed:
             return QStringLiteral("Server Closed");
         case ServerLink::Ending::None:
+            // Nothing tried yet (a connect is reset to None, and ends in one of the others).
+            return QStringLiteral("Not connected");
         case ServerLink::Ending::Closed:
             break;
     }
@@ -237,20 +252,23 @@ void LoginFlow::onUpdateNotice(const ServerMessage& message) {
     const QStringList fields = message.payload.split(QLatin1Char(';'));
     const QString version = fields.value(0).trimmed();
     const QString url = fields.value(1).trimmed();
+    // The notice stands in for the hello; the login goes on whatever the user answers, and
+    // without waiting for the answer.
+    sendCredentials();
     if (!version.isEmpty() && !settings_.isNagSuppressed(version)) {
-        const Prompter::Answer answer = prompter_.askYesNoCancel(
+        prompter_.askYesNoCancelLater(
             QStringLiteral("A newer Tavren client (version %1) is available.\n\n"
                            "Download it now? Choose No to stop reminding you of this version.")
                 .arg(version),
-            QStringLiteral("Upgrade to %1 Now").arg(version));
-        if (answer == Prompter::Answer::Yes && !url.isEmpty()) {
-            emit updateDownloadRequested(url);
-        } else if (answer == Prompter::Answer::No) {
-            settings_.suppressNag(version);
-        }
+            QStringLiteral("Upgrade to %1 Now").arg(version),
+            [this, version, url](Prompter::Answer answer) {
+                if (answer == Prompter::Answer::Yes && !url.isEmpty()) {
+                    emit updateDownloadRequested(url);
+                } else if (answer == Prompter::Answer::No) {
+                    settings_.suppressNag(version);
+                }
+            });
     }
-    // The notice stands in for the hello; the login goes on either way.
-    sendCredentials();
 }
 
 void LoginFlow::onAccountData(const ServerMessage& message) {
@@ -264,7 +282,10 @@ void LoginFlow::onAccountData(const ServerMessage& message) {
 }
 
 void LoginFlow::onLoginAccepted(const ServerMessage&) {
-    connection_.setLoggedInBefore(true);
+    connection_.loginAccepted();
+    if (!connection_.clock().running()) {
+        connection_.clock().start();  // the login that ends a sign-up
+    }
     settings_.setAutoReconnectArmed(true);
     setOnline(true);
     const int row = accounts_.markUsed(userName_);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <functional>
 #include <optional>
 
 namespace tavren {
@@ -14,10 +15,19 @@ class Prompter {
 
     virtual ~Prompter() = default;
 
+    // Shows a message and returns at once: a message must never hold up the caller, which may
+    // be handling a frame from the server while the user reads.
     virtual void message(const QString& text, const QString& title, Icon icon = Icon::None) = 0;
     virtual Answer askYesNo(const QString& text, const QString& title) = 0;
     virtual Answer askYesNoCancel(const QString& text, const QString& title) = 0;
     // The typed text, or nothing when the user cancels.
+    // The same question without waiting: `answered` runs once the user has chosen. Code that
+    // handles a frame from the server asks this way, so that the link goes on meanwhile.
+    // Prompters that answer at once (tests) may call `answered` before returning.
+    virtual void askYesNoCancelLater(const QString& text, const QString& title,
+                                     std::function<void(Answer)> answered) {
+        answered(askYesNoCancel(text, title));
+    }
     virtual std::optional<QString> askText(const QString& prompt, const QString& title,
                                            const QString& defaultText) = 0;
 };

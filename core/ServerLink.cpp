@@ -2,6 +2,7 @@
 
 #include "core/FloodMeters.h"
 #include "core/WireText.h"
+#include "core/protocol/Catalogue.h"
 
 namespace tavren {
 
@@ -13,6 +14,9 @@ constexpr std::int16_t kUnmeteredCode = 16;
 ServerLink::ServerLink(FloodMeters& floodMeters, QObject* parent)
     : QObject(parent), floodMeters_(floodMeters), socket_(this) {
     socket_.setObjectName(QStringLiteral("Sock"));
+    // Bounded, so that input we are not ready to cut stays in the kernel and TCP slows the
+    // server down instead of the client buffering without end.
+    socket_.setReadBufferSize(static_cast<qint64>(kMaxHeldBytes));
     connect(&socket_, &QTcpSocket::connected, this, [this] {
         ending_ = Ending::None;
         emit connected();
@@ -39,6 +43,8 @@ void ServerLink::connectTo(const QString& host, quint16 port, bool proxyMode) {
 
 void ServerLink::close() {
     cutter_.Reset();
+    held_.clear();
+    heldPayloadBytes_ = 0;
     if (socket_.state() != QAbstractSocket::UnconnectedState) {
         // abort() reports the disconnection synchronously; it is ours, not the server's.
         closing_ = true;
@@ -73,12 +79,52 @@ void ServerLink::onReadyRead() {
         close();
         return;
     }
+    if (draining_) {
+        // A handler is running a nested event loop (a modal window opened while a frame was
+        // handled). The outer loop dispatches what arrives, in order, once the handler returns;
+        // pings cannot wait that long, or the server takes the silence for a dead client.
+        holdFramesWhileNested();
+        return;
+    }
+    readFromSocket();
+    drainFrames();
+}
+
+void ServerLink::readFromSocket() {
     const QByteArray bytes = socket_.readAll();
     cutter_.Append(std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
-    // A handler that opens a modal box lets socket events run inside it; the outer loop is
-    // still draining and will pick up what arrived, in order.
-    if (!draining_) {
-        drainFrames();
+}
+
+std::size_t ServerLink::heldBytes() const {
+    return heldPayloadBytes_ + cutter_.BufferedBytes();
+}
+
+void ServerLink::holdFramesWhileNested() {
+    while (heldBytes() < kMaxHeldBytes && socket_.bytesAvailable() > 0) {
+        readFromSocket();
+        for (;;) {
+            protocol::CutResult cut = cutter_.Next();
+            if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+                break;
+            }
+            if (cut.kind == protocol::CutResult::Kind::kFrame &&
+                cut.frame.code == protocol::server_to_client::kPing) {
+                if (sink_) {
+                    sink_(cut.frame);
+                }
+                if (!isConnected()) {
+                    return;
+                }
+                continue;
+            }
+            const bool failed = cut.kind == protocol::CutResult::Kind::kError;
+            heldPayloadBytes_ += cut.frame.payload.size();
+            held_.push_back(std::move(cut));
+            if (failed) {
+                // Nothing after an error is a frame; the outer loop closes the link.
+                return;
+            }
+        }
     }
 }
 
@@ -87,24 +133,49 @@ void ServerLink::drainFrames() {
     // holds after a handler returns belongs to the connection that is current now.
     draining_ = true;
     for (;;) {
-        protocol::CutResult cut = cutter_.Next();
+        protocol::CutResult cut;
+        if (!held_.empty()) {
+            cut = std::move(held_.front());
+            held_.pop_front();
+            heldPayloadBytes_ -= cut.frame.payload.size();
+        } else {
+            cut = cutter_.Next();
+        }
         if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+            // Input that waited in the socket while frames were held comes in now.
+            if (isConnected() && socket_.bytesAvailable() > 0) {
+                readFromSocket();
+                continue;
+            }
             break;
         }
-        if (cut.kind == protocol::CutResult::Kind::kError) {
+        if (!deliver(cut)) {
+            return;
+        }
+    }
+    draining_ = false;
+}
+
+bool ServerLink::deliver(protocol::CutResult& cut) {
+    switch (cut.kind) {
+        case protocol::CutResult::Kind::kError:
             close();
             ending_ = Ending::Error;
             draining_ = false;
             emit streamRefused(WireText::fromWire(cut.errorText));
-            return;
-        }
-        if (cut.kind == protocol::CutResult::Kind::kTunnelUp) {
+            return false;
+        case protocol::CutResult::Kind::kTunnelUp:
             emit tunnelUp();
-        } else if (sink_) {
-            sink_(cut.frame);
-        }
+            return true;
+        case protocol::CutResult::Kind::kFrame:
+            if (sink_) {
+                sink_(cut.frame);
+            }
+            return true;
+        case protocol::CutResult::Kind::kNeedMore:
+            break;
     }
-    draining_ = false;
+    return true;
 }
 
 void ServerLink::onDisconnected() {

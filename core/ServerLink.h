@@ -4,6 +4,7 @@
 #include <QObject>
 #include <QString>
 #include <QTcpSocket>
+#include <deque>
 #include <functional>
 
 #include "core/protocol/CodePair.h"
@@ -64,9 +65,20 @@ class ServerLink : public QObject {
     // been closed and `text` says why.
     void streamRefused(const QString& text);
 
+  public:
+    // While a frame handler runs a nested event loop, frames that arrive are held for the outer
+    // loop; at most this many bytes (held frames plus uncut input) before reading pauses.
+    static constexpr std::size_t kMaxHeldBytes = 4 * 1024 * 1024;
+
   private:
     void onReadyRead();
+    // Moves what the socket has into the cutter.
+    void readFromSocket();
     void drainFrames();
+    void holdFramesWhileNested();
+    // Hands one cut result on; false when the link ended and draining must stop.
+    bool deliver(protocol::CutResult& cut);
+    std::size_t heldBytes() const;
     void onDisconnected();
     void onError(QAbstractSocket::SocketError error);
 
@@ -78,6 +90,10 @@ class ServerLink : public QObject {
     quint16 port_ = 0;
     Ending ending_ = Ending::None;
     bool draining_ = false;
+    // What was cut while a handler was still running (frames, and an error or the tunnel's
+    // answer in their turn), in arrival order.
+    std::deque<protocol::CutResult> held_;
+    std::size_t heldPayloadBytes_ = 0;
     bool closing_ = false;
 };
 

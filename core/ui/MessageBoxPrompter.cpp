@@ -35,9 +35,23 @@ Prompter::Answer toAnswer(int button) {
 
 }  // namespace
 
+QMessageBox* MessageBoxPrompter::openMessage(const QString& title) const {
+    return open_.value(title);
+}
+
 void MessageBoxPrompter::message(const QString& text, const QString& title, Icon icon) {
-    QMessageBox box(toBoxIcon(icon), title, text, QMessageBox::Ok, parent_);
-    box.exec();
+    if (QMessageBox* shown = open_.value(title)) {
+        shown->setIcon(toBoxIcon(icon));
+        shown->setText(text);
+        shown->raise();
+        return;
+    }
+    auto* box = new QMessageBox(toBoxIcon(icon), title, text, QMessageBox::Ok, parent_);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setModal(false);
+    box->setWindowModality(Qt::NonModal);
+    open_.insert(title, box);
+    box->show();
 }
 
 Prompter::Answer MessageBoxPrompter::askYesNo(const QString& text, const QString& title) {
@@ -49,6 +63,19 @@ Prompter::Answer MessageBoxPrompter::askYesNoCancel(const QString& text, const Q
     return toAnswer(QMessageBox::question(parent_, title, text,
                                           QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
                                           QMessageBox::Yes));
+}
+
+void MessageBoxPrompter::askYesNoCancelLater(const QString& text, const QString& title,
+                                             std::function<void(Answer)> answered) {
+    auto* box = new QMessageBox(QMessageBox::Question, title, text,
+                                QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent_);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setDefaultButton(QMessageBox::Yes);
+    QObject::connect(box, &QMessageBox::finished, box,
+                     [box, answered = std::move(answered)](int) {
+                         answered(toAnswer(box->standardButton(box->clickedButton())));
+                     });
+    box->open();
 }
 
 std::optional<QString> MessageBoxPrompter::askText(const QString& prompt, const QString& title,
