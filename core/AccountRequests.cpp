@@ -73,6 +73,14 @@ bool AccountRequests::changeEmail(const QString& email) {
     return true;
 }
 
+bool AccountRequests::changeNicknameFormat(const QString& format) {
+    if (!login_.online()) {
+        return false;
+    }
+    link_.SendPacket(format, out::kNicknameFormat);
+    return true;
+}
+
 void AccountRequests::onAccountInfo(const ServerMessage& message) {
     // Only an answer the user asked for opens the dialog.
     if (emailAsked_) {

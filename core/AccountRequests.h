@@ -29,6 +29,9 @@ class AccountRequests : public QObject {
     bool changePassword(const QString& current, const QString& replacement);
     bool askEmail();
     bool changeEmail(const QString& email);
+    // How the member's own lines look to others; empty clears it. The server confirms with
+    // the account data, which carries the format back.
+    bool changeNicknameFormat(const QString& format);
 
     // Server messages, routed here by the dispatcher.
     void onAccountInfo(const ServerMessage& message);

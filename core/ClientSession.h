@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QString>
+#include <memory>
 
 #include "config/Settings.h"
 #include "config/SettingsStore.h"
@@ -9,6 +10,8 @@
 #include "contacts/DataFiles.h"
 #include "core/AwayStatus.h"
 #include "core/ServerSession.h"
+#include "render/ChatLineFormatter.h"
+#include "rooms/RoomSession.h"
 
 namespace tavren {
 
@@ -16,8 +19,8 @@ class AutostartRegistrar;
 class Prompter;
 
 // The session-side objects of one running client, owned in one place and handed to the windows
-// by reference: the settings, the three data files, the sound player, the server session and the
-// away state.
+// by reference: the settings, the three data files, the sound player, the server session, the
+// away state, the chat-line formatter every pane shares, and the channels.
 class ClientSession : public QObject {
     Q_OBJECT
   public:
@@ -25,10 +28,14 @@ class ClientSession : public QObject {
     // `prompter` answers the questions the session layer asks (connection errors, sign-up).
     ClientSession(const QString& dataRoot, AutostartRegistrar* autostart, Prompter& prompter,
                   QObject* parent = nullptr);
+    // A client whose settings live in an INI file of its own, with its own connection timing:
+    // several such clients can run side by side in one process (tests, tools).
+    ClientSession(const QString& dataRoot, const QString& settingsFile,
+                  const ConnectionOptions& options, Prompter& prompter, QObject* parent = nullptr);
 
     QString dataRoot() const { return dataRoot_; }
 
-    SettingsStore& store() { return store_; }
+    SettingsStore& store() { return *store_; }
     Settings& settings() { return settings_; }
     DataFiles& dataFiles() { return files_; }
     AwayMessages& awayMessages() { return files_.away(); }
@@ -37,15 +44,23 @@ class ClientSession : public QObject {
     SoundPlayer& sounds() { return sounds_; }
     ServerSession& server() { return server_; }
     AwayStatus& awayStatus() { return awayStatus_; }
+    const ChatLineFormatter& formatter() const { return formatter_; }
+    RoomSession& rooms() { return rooms_; }
 
   private:
+    ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,
+                  AutostartRegistrar* autostart, const ConnectionOptions& options,
+                  Prompter& prompter, QObject* parent);
+
     QString dataRoot_;
-    SettingsStore store_;
+    std::unique_ptr<SettingsStore> store_;
     Settings settings_;
     DataFiles files_;
     SoundPlayer sounds_;
     ServerSession server_;
     AwayStatus awayStatus_;
+    ChatLineFormatter formatter_;
+    RoomSession rooms_;
 };
 
 }  // namespace tavren

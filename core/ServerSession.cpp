@@ -8,6 +8,11 @@ namespace tavren {
 namespace in = protocol::server_to_client;
 namespace out = protocol::client_to_server;
 
+namespace {
+// Group 4 is notices; this one is the message of the day, which is not an answer to anything.
+constexpr std::int16_t kMessageOfTheDayCode = 2;
+}  // namespace
+
 ServerSession::ServerSession(Settings& settings, Prompter& prompter,
                              const ConnectionOptions& options, QObject* parent)
     : QObject(parent),
@@ -40,12 +45,33 @@ void ServerSession::routeCoreMessages() {
     dispatcher_.route(in::kUpdateNotice, [this](Message m) { login_.onUpdateNotice(m); });
     dispatcher_.route(in::kAccountRefresh, [this](Message m) { login_.onAccountData(m); });
     dispatcher_.route(in::kLoginAccepted, [this](Message m) { login_.onLoginAccepted(m); });
-    dispatcher_.route(in::kSessionSettings, [this](Message m) { login_.onSessionSettings(m); });
+    dispatcher_.route(in::kSessionSettings, [this](Message m) {
+        login_.onSessionSettings(m);
+        emit sessionSettingsArrived(m.payload.section(QLatin1Char(';'), 0, 0).trimmed(),
+                                    m.payload.section(QLatin1Char(';'), 1, 1).trimmed());
+    });
     dispatcher_.route(protocol::CodePair{protocol::kLoginResultGroup, 1},
                       [this](Message m) { login_.onLoginResult(m); });
     dispatcher_.route(protocol::CodePair{protocol::kNoticeGroup, 1}, [this](Message m) {
+        if (m.code.cmd2 == kMessageOfTheDayCode) {
+            // Not an answer to anything: it goes to the news pane, or nowhere when unwanted.
+            if (!settings_.values().ignoreMotd) {
+                emit messageOfTheDay(m.payload);
+            }
+            return;
+        }
+        emit noticeArrived(m.payload);
         accountRequests_.onNotice(m);
         console_.onNotice(m);
+    });
+    dispatcher_.route(in::kFloodMeters, [this](Message m) {
+        bool maximumOk = false;
+        bool intervalOk = false;
+        const int maximum = m.payload.section(QLatin1Char(';'), 0, 0).toInt(&maximumOk);
+        const int interval = m.payload.section(QLatin1Char(';'), 1, 1).toInt(&intervalOk);
+        if (maximumOk && intervalOk && maximum > 0 && interval > 0) {
+            emit floodLimitsChanged(maximum, interval);
+        }
     });
     dispatcher_.route(in::kSuccessNotice, [this](Message m) {
         accountRequests_.onSuccessNotice(m);

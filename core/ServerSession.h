@@ -55,6 +55,14 @@ class ServerSession : public QObject {
     void scoreChanged(const QString& text);
     // The server asks to clear the main window's news pane.
     void paneClearRequested();
+    // The session settings after login: the member's name and the server's default room.
+    void sessionSettingsArrived(const QString& name, const QString& defaultRoom);
+    // How full the flood meters may get and how fast they drain.
+    void floodLimitsChanged(int maximum, int drainIntervalMs);
+    // A notice from the server (shown with the title "Attention!").
+    void noticeArrived(const QString& text);
+    // The message of the day, unless the member asked not to see it.
+    void messageOfTheDay(const QString& text);
 
   private:
     void routeCoreMessages();
