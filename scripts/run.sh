@@ -2,7 +2,8 @@
 # Builds the client and the server, starts a local tavrend in the background (its own database
 # under the client's data root), runs the client pointed at it ("{default server #1}" and
 # "{default port}" are 127.0.0.1:5678 in a default build) and stops the server when the client
-# exits. Installs missing Debian packages first. On a machine without a display the client is
+# exits; when a server already listens there (another client's), it is used instead. Installs
+# missing Debian packages first. On a machine without a display the client is
 # shown on a virtual X server (Xvfb).
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -14,25 +15,31 @@ server_dir="$data_root/server"
 mkdir -p "$server_dir"
 server_log="$server_dir/tavrend.log"
 
-build/bin/tavrend --listen 127.0.0.1:5678 --db "$server_dir/tavrend.db" >"$server_log" 2>&1 &
-server_pid=$!
-stop_server() {
-    kill "$server_pid" 2>/dev/null || true
-    wait "$server_pid" 2>/dev/null || true
-}
-trap stop_server EXIT
+# A second client on the same machine (another TAVREN_HOME) talks to the server the first one
+# started, so that two people can chat side by side.
+if (exec 3<>/dev/tcp/127.0.0.1/5678) 2>/dev/null; then
+    echo "a tavrend is already serving on 127.0.0.1:5678; this client uses it"
+else
+    build/bin/tavrend --listen 127.0.0.1:5678 --db "$server_dir/tavrend.db" >"$server_log" 2>&1 &
+    server_pid=$!
+    stop_server() {
+        kill "$server_pid" 2>/dev/null || true
+        wait "$server_pid" 2>/dev/null || true
+    }
+    trap stop_server EXIT
 
-# Wait until it listens; a server that cannot start (port taken by another one) is reported.
-for _ in $(seq 1 100); do
-    grep -q "listening on" "$server_log" && break
-    if ! kill -0 "$server_pid" 2>/dev/null; then
-        echo "tavrend did not start; its log ($server_log):" >&2
-        cat "$server_log" >&2
-        exit 1
-    fi
-    sleep 0.1
-done
-echo "tavrend is serving on 127.0.0.1:5678 (log: $server_log)"
+    # Wait until it listens; a server that cannot start is reported.
+    for _ in $(seq 1 100); do
+        grep -q "listening on" "$server_log" && break
+        if ! kill -0 "$server_pid" 2>/dev/null; then
+            echo "tavrend did not start; its log ($server_log):" >&2
+            cat "$server_log" >&2
+            exit 1
+        fi
+        sleep 0.1
+    done
+    echo "tavrend is serving on 127.0.0.1:5678 (log: $server_log)"
+fi
 
 if [ -z "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ] && [ -z "${QT_QPA_PLATFORM:-}" ]; then
     xvfb-run -a build/bin/tavren "$@"
