@@ -17,6 +17,14 @@ void ConnectedClock::stop() {
     timer_.stop();
 }
 
+void ConnectedClock::reset() {
+    timer_.stop();
+    if (seconds_ != 0) {
+        seconds_ = 0;
+        emit textChanged(text());
+    }
+}
+
 void ConnectedClock::tick() {
     ++seconds_;
     emit textChanged(text());

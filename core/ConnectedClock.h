@@ -7,7 +7,8 @@
 namespace tavren {
 
 // The main window's connected-time display: days, hours, minutes and seconds as four two-digit
-// parts ("00:00:00:00"), reset when the link comes up and advanced once a second while it lasts.
+// parts ("00:00:00:00"), reset when the link comes up, advanced once a second while it lasts and
+// back at zero once the client is offline, so a stale time is never shown.
 class ConnectedClock : public QObject {
     Q_OBJECT
   public:
@@ -15,6 +16,7 @@ class ConnectedClock : public QObject {
 
     void start();  // reset to zero and run
     void stop();   // freeze the shown time
+    void reset();  // stop at zero
     bool running() const { return timer_.isActive(); }
     qint64 seconds() const { return seconds_; }
     QString text() const { return format(seconds_); }

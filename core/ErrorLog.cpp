@@ -17,8 +17,10 @@ QString ErrorLog::formatLine(const QTime& time, const QString& message) {
     return QLatin1Char('(') + stamp + QStringLiteral(") ~ ") + message + QStringLiteral("\r\n");
 }
 
-void ErrorLog::ShowErrorMessage(const QString& message, const QString& title) {
-    emit shown();
+void ErrorLog::ShowErrorMessage(const QString& message, const QString& title, Show show) {
+    if (show == Show::Forward) {
+        emit shown();
+    }
     if (!title.isEmpty()) {
         heading_ = QStringLiteral("Tavren Error Message: ") + title;
         emit headingChanged(heading_);

@@ -18,9 +18,15 @@ class ErrorLog : public QObject {
 
     explicit ErrorLog(QObject* parent = nullptr);
 
-    // The one writer of the log: shows the window, sets its heading when a title is given and
-    // appends "(H:MM:SS AM/PM) ~ message" and CR LF.
-    void ShowErrorMessage(const QString& message, const QString& title = QString());
+    // Whether a new line brings the window forward. A connection that is putting itself right
+    // (the auto-reconnect countdown is running) writes its lines quietly: the member can read
+    // them there, but nothing jumps up for a trouble that goes away by itself.
+    enum class Show { Forward, Quietly };
+
+    // The one writer of the log: shows the window (unless quietly), sets its heading when a
+    // title is given and appends "(H:MM:SS AM/PM) ~ message" and CR LF.
+    void ShowErrorMessage(const QString& message, const QString& title = QString(),
+                          Show show = Show::Forward);
     void clear();
 
     QString text() const { return text_; }

@@ -1,5 +1,7 @@
 #include "core/ServerConnection.h"
 
+#include <utility>
+
 #include "config/Settings.h"
 #include "core/ConnectionFailure.h"
 #include "core/ErrorLog.h"
@@ -12,6 +14,7 @@ namespace {
 const QString kMessageTitle = QStringLiteral("Tavren Connection");
 const QString kErrorTitle = QStringLiteral("Connection");
 const QString kServerPrefix = QStringLiteral("Server: ");
+const QString kReconnectedLine = QStringLiteral("Reconnected, you are back online.");
 }  // namespace
 
 ServerConnection::ServerConnection(Settings& settings, Prompter& prompter, ErrorLog& errorLog,
@@ -51,6 +54,7 @@ bool ServerConnection::ConnectToServer() {
     connectTimer_.stop();
     watchdog_.stop();
     target_ = ConnectTarget::fromSettings(settings_.values(), options_);
+    lastProblem_ = target_.problem;
     if (!target_.valid()) {
         phase_ = Phase::Closed;
         prompter_.message(target_.problem, kMessageTitle, Prompter::Icon::Warning);
@@ -91,9 +95,24 @@ void ServerConnection::onLinkFailed(QAbstractSocket::SocketError error,
     reportFailure(error, description);
 }
 
+ErrorLog::Show ServerConnection::errorWindowShow() const {
+    return autoReloginEnabled() ? ErrorLog::Show::Quietly : ErrorLog::Show::Forward;
+}
+
+void ServerConnection::loginAccepted() {
+    loggedInBefore_ = true;
+    lastProblem_.clear();
+    if (std::exchange(recovering_, false)) {
+        const QString line = kServerPrefix + kReconnectedLine;
+        emit statusLine(line);
+        // Below the lines that said the session was lost, wherever the member left the window.
+        errorLog_.ShowErrorMessage(line, QString(), ErrorLog::Show::Quietly);
+    }
+}
+
 void ServerConnection::enterClosed() {
     connectTimer_.stop();
-    clock_.stop();
+    clock_.reset();
     watchdog_.stop();
     phase_ = Phase::Closed;
 }
@@ -104,11 +123,16 @@ void ServerConnection::reportFailure(QAbstractSocket::SocketError error,
     const bool wasUp = phase_ == Phase::Up;
     enterClosed();
     const QString known = ConnectionFailure::knownMessage(error, duringConnect);
+    lastProblem_ = known.isEmpty() ? description : known;
+    if (wasUp) {
+        recovering_ = autoReloginEnabled();
+    }
     if (known.isEmpty()) {
         errorLog_.ShowErrorMessage(
-            ConnectionFailure::detail(description, target_.host, target_.port), kErrorTitle);
+            ConnectionFailure::detail(description, target_.host, target_.port), kErrorTitle,
+            errorWindowShow());
     } else if (quietErrors()) {
-        errorLog_.ShowErrorMessage(known, kErrorTitle);
+        errorLog_.ShowErrorMessage(known, kErrorTitle, errorWindowShow());
     } else {
         prompter_.message(known, kMessageTitle, Prompter::Icon::Critical);
     }
@@ -139,6 +163,7 @@ void ServerConnection::onStreamRefused(const QString& text) {
     if (phase_ == Phase::Closed) {
         return;
     }
+    lastProblem_ = text;
     errorLog_.ShowErrorMessage(text, kErrorTitle);
     if (phase_ == Phase::Up) {
         GoOffline(false);
@@ -176,8 +201,9 @@ void ServerConnection::PingTimedOut() {
 
 void ServerConnection::tellOffline(const QString& text) {
     const QString line = kServerPrefix + text;
+    recovering_ = autoReloginEnabled();
     emit statusLine(line);
-    errorLog_.ShowErrorMessage(line, QStringLiteral("Disconnected"));
+    errorLog_.ShowErrorMessage(line, QStringLiteral("Disconnected"), errorWindowShow());
 }
 
 }  // namespace tavren

@@ -8,11 +8,11 @@
 #include "core/ConnectTarget.h"
 #include "core/ConnectedClock.h"
 #include "core/ConnectionOptions.h"
+#include "core/ErrorLog.h"
 #include "core/PingWatchdog.h"
 
 namespace tavren {
 
-class ErrorLog;
 class Prompter;
 class ServerLink;
 class Settings;
@@ -52,10 +52,23 @@ class ServerConnection : public QObject {
     // accepted, so that losing an established session is reported in the error window while
     // the auto-reconnect countdown retries. The second is Settings::autoReconnectArmed().
     bool loggedInBefore() const { return loggedInBefore_; }
-    void setLoggedInBefore(bool on) { loggedInBefore_ = on; }
+    // Forgetting the earlier login (the member logged off) also forgets that a lost session was
+    // being brought back.
+    void setLoggedInBefore(bool on) {
+        loggedInBefore_ = on;
+        if (!on) {
+            recovering_ = false;
+        }
+    }
+    // The server accepted a login: errors become quiet from now on, and when this login brings
+    // back a session that was lost, the error window and the panes are told so.
+    void loginAccepted();
     bool quietErrors() const;
     // Whether a lost link will be re-established by the countdown.
     bool autoReloginEnabled() const;
+    // What went wrong with the last connect, in the user's words; empty while connecting, once
+    // logged in, and before any try.
+    QString lastProblem() const { return lastProblem_; }
 
     ConnectedClock& clock() { return clock_; }
     PingWatchdog& watchdog() { return watchdog_; }
@@ -78,6 +91,9 @@ class ServerConnection : public QObject {
     void onStreamRefused(const QString& text);
     void reportFailure(QAbstractSocket::SocketError error, const QString& description);
     void tellOffline(const QString& text);
+    // While the countdown is bringing a lost session back, the error window is written to
+    // without coming forward.
+    ErrorLog::Show errorWindowShow() const;
     // Stops the connect timer, the connected-time clock and the watchdog; the link is down.
     void enterClosed();
 
@@ -90,6 +106,9 @@ class ServerConnection : public QObject {
     Phase phase_ = Phase::Closed;
     bool loggedInBefore_ = false;
     bool lastFrameWasNotice_ = false;
+    // A logged-in session was lost and the countdown is bringing it back.
+    bool recovering_ = false;
+    QString lastProblem_;
     QTimer connectTimer_;
     ConnectedClock clock_;
     PingWatchdog watchdog_;

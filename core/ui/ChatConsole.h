@@ -3,15 +3,15 @@
 #include <QWidget>
 
 class QLineEdit;
-class QListWidget;
 class QPlainTextEdit;
 
 namespace tavren {
 
 class ServerConsole;
 
-// The server console window: what the server announced, the latest list it sent, and a command
-// line for the server.
+// The server console window: what the server announced and answered, lists included, in one
+// log as wide as the window, and a command line for the server that has the keyboard whenever
+// the window comes up.
 class ChatConsole : public QWidget {
     Q_OBJECT
   public:
@@ -20,12 +20,14 @@ class ChatConsole : public QWidget {
     QString logText() const;
     QLineEdit* input() const { return input_; }
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
     void send();
 
     ServerConsole& console_;
     QPlainTextEdit* log_;
-    QListWidget* list_;
     QLineEdit* input_;
 };
 

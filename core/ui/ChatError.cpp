@@ -18,6 +18,7 @@ ChatError::ChatError(ErrorLog& log, QWidget* parent)
       text_(new QPlainTextEdit(this)) {
     setObjectName(QStringLiteral("ChatError"));
     setWindowTitle(QStringLiteral("Tavren Errors"));
+    setMinimumSize(320, 200);
     resize(460, 260);
     heading_->setObjectName(QStringLiteral("heading"));
     heading_->setStyleSheet(QStringLiteral("font-weight: bold"));

@@ -35,7 +35,8 @@ ChatLogin::ChatLogin(ServerSession& session, Prompter& prompter, QWidget* parent
       version_(new QLabel(LoginFlow::versionText(), this)) {
     setObjectName(QStringLiteral("ChatLogin"));
     setWindowTitle(QStringLiteral("Tavren Login"));
-    resize(300, 340);
+    setMinimumSize(260, 300);
+    resize(300, 360);
 
     list_->setObjectName(QStringLiteral("ListView1"));
     list_->setColumnCount(2);
@@ -46,6 +47,8 @@ ChatLogin::ChatLogin(ServerSession& session, Prompter& prompter, QWidget* parent
     button_->setObjectName(QStringLiteral("XPButton4"));
     button_->setDefault(true);
     status_->setObjectName(QStringLiteral("Label3"));
+    // A failure is said in words, which may take two lines.
+    status_->setWordWrap(true);
     version_->setObjectName(QStringLiteral("versionLabel"));
 
     const auto addItem = [this](const QString& name, const QString& caption, auto slot) {

@@ -31,7 +31,9 @@ TEST(FakeServerTest, SilenceTimesTheClientOutOnceAndItReconnectsButNotAfterAClos
     const QString timedOut = QStringLiteral(
         "Server: You have been timed out due to no ping requests, Auto Relogin Enabled..");
     EXPECT_EQ(client.wentOffline, 1);
-    EXPECT_EQ(paneLines, QStringList{timedOut});
+    // The panes hear of the loss and of the way back.
+    EXPECT_EQ(paneLines,
+              (QStringList{timedOut, QStringLiteral("Server: Reconnected, you are back online.")}));
     EXPECT_EQ(client.errors().count(timedOut), 1);
     EXPECT_TRUE(client.messages().isEmpty());
 

@@ -47,10 +47,14 @@ TEST(LoginFlowTest, TheButtonAsksNewcomersConnectsSavedAccountsAndCancelStopsEit
     EXPECT_EQ(QString::fromStdString(server.frames().front().payload), LoginFlow::clientVersion());
     EXPECT_EQ(signUpRequests, 1);
     EXPECT_EQ(login.mode(), LoginFlow::Mode::New);
+    EXPECT_FALSE(client.session->connection().clock().running())
+        << "nobody is online yet while signing up";
+    EXPECT_EQ(login.statusText(), QStringLiteral("Connected!"));
     // Giving up on the sign-up dialog closes the connection and offers sign-up again.
     login.cancelSignUp();
     EXPECT_EQ(client.session->link().socketState(), QAbstractSocket::UnconnectedState);
     EXPECT_EQ(login.button().kind, LoginButton::Kind::SignUp);
+    EXPECT_EQ(login.statusText(), QStringLiteral("Connection Closed"));
 
     // A saved account connects at once; Cancel stops it and nothing reconnects.
     client.selectAccount(QStringLiteral("alice"), QStringLiteral("secret"));

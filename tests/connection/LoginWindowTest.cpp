@@ -36,7 +36,7 @@ TEST_F(LoginWindowTest, ShowsTheFlowsStateAndForwardsTheUsersChoices) {
     EXPECT_EQ(list->topLevelItem(1)->text(0), QStringLiteral("alice"));
     EXPECT_NE(list->topLevelItem(1)->text(1), QStringLiteral("secret")) << "passwords are masked";
     EXPECT_EQ(login.versionText(), LoginFlow::versionText());
-    EXPECT_EQ(login.statusText(), QStringLiteral("Connection Closed"));
+    EXPECT_EQ(login.statusText(), QStringLiteral("Not connected")) << "nothing tried yet";
     EXPECT_EQ(login.loginButton()->text(), QStringLiteral("&Login"));
     EXPECT_EQ(login.loginButton()->toolTip(),
               QStringLiteral("Press to login to the Tavren Chat Service!"));
@@ -71,20 +71,59 @@ TEST_F(LoginWindowTest, ErrorWindowComesForwardWithTheNewestLineAtTheCaret) {
               static_cast<int>(QStringLiteral("(9:04:05 PM) ~ first\n").size()));
 }
 
-TEST_F(LoginWindowTest, ConsoleSendsTypedLinesOnlyWhileConnected) {
+TEST_F(LoginWindowTest, ConsoleAnswersGoToItsLogAndOnlyNoticesNobodyAskedForGetABox) {
+    namespace in = protocol::server_to_client;
     test::FakePeer server;
+    server.setResponder([](test::FakePeer& peer, const protocol::Frame& frame) {
+        if (frame.code != protocol::client_to_server::kAwayStatus) {
+            return;
+        }
+        if (frame.payload == "/help") {
+            peer.send(in::kListUpdate,
+                      "/help - the commands this server knows\x01"
+                      "/away TEXT - go away with a message\x01");
+        } else if (frame.payload.rfind("/away", 0) != 0) {
+            peer.send(protocol::CodePair{4, 1}, "Unknown command \"/foo\".");
+        }
+        // "/away" is answered with the away state, which is not the console's.
+    });
     ChatConsole& console = windows.console();
-    console.input()->setText(QStringLiteral("/help"));
-    emit console.input()->returnPressed();
+    const auto type = [&](const char* line) {
+        console.input()->setText(QString::fromLatin1(line));
+        emit console.input()->returnPressed();
+    };
+    type("/help");
     EXPECT_TRUE(console.logText().contains(QStringLiteral("Not connected")));
+    EXPECT_EQ(console.input()->text(), QStringLiteral("/help")) << "kept for another try";
 
     client.session->link().connectTo(QStringLiteral("127.0.0.1"), server.port(), false);
     ASSERT_TRUE(waitUntil([&] { return client.session->link().isConnected(); }));
     emit console.input()->returnPressed();
-    ASSERT_TRUE(
-        waitUntil([&] { return server.received(protocol::client_to_server::kAwayStatus); }));
+    ASSERT_TRUE(waitUntil(
+        [&] { return console.logText().contains(QStringLiteral("go away with a message")); }));
     EXPECT_EQ(server.frames().back().payload, "/help");
     EXPECT_TRUE(console.input()->text().isEmpty());
+    // The list is in the log, one entry a line, whole.
+    EXPECT_TRUE(
+        console.logText().contains(QStringLiteral("The server sent a list of 2 entries:\n"
+                                                  "    /help - the commands this server knows\n"
+                                                  "    /away TEXT - go away with a message")))
+        << console.logText().toStdString();
+
+    // The answer to a typed line is read in the log; a box would take the keyboard.
+    type("/foo bar baz");
+    ASSERT_TRUE(waitUntil(
+        [&] { return console.logText().contains(QStringLiteral("Unknown command \"/foo\".")); }));
+    EXPECT_TRUE(client.messages().isEmpty());
+    EXPECT_EQ(client.session->console().awaitingAnswers(), 0);
+
+    // After "/away" no notice is owed, so the next one is the server's own and gets a box.
+    type("/away lunch");
+    ASSERT_TRUE(waitUntil([&] { return server.frames().back().payload == "/away lunch"; }));
+    server.send(protocol::CodePair{4, 1}, "Maintenance at noon.");
+    ASSERT_TRUE(waitUntil([&] { return !client.messages().isEmpty(); }));
+    EXPECT_EQ(client.messages(), QStringList{QStringLiteral("Maintenance at noon.")});
+    EXPECT_EQ(client.prompter.asked.back().title, QStringLiteral("Attention!"));
 }
 
 }  // namespace

@@ -163,7 +163,7 @@ TEST_F(ServerIntegrationTest, AnAbsentServerIsAMessageBoxButALostOneIsRetriedQui
     const QString offline = QStringLiteral("Server is Offline. Please try again later..");
     EXPECT_EQ(client.messages(), QStringList{offline});
     EXPECT_EQ(client.session->login().button().caption, QStringLiteral("&Login"));
-    EXPECT_EQ(client.session->login().statusText(), QStringLiteral("Error!"));
+    EXPECT_EQ(client.session->login().statusText(), QStringLiteral("Error! ") + offline);
     test::runEventsFor(600);
     EXPECT_EQ(client.messages().size(), 1) << "no countdown before a first successful login";
 
@@ -172,18 +172,35 @@ TEST_F(ServerIntegrationTest, AnAbsentServerIsAMessageBoxButALostOneIsRetriedQui
     client.prompter.asked.clear();
     client.session->login().clickLoginButton();
     ASSERT_TRUE(loggedIn()) << client.errors().toStdString();
+    ConnectedClock& clock = client.session->connection().clock();
+    clock.tick();
+    int errorWindowRaised = 0;
+    QObject::connect(&client.session->errorLog(), &ErrorLog::shown, [&] { ++errorWindowRaised; });
     server.stop();
     ASSERT_TRUE(waitUntil([&] { return !client.session->online(); }));
     EXPECT_EQ(client.wentOffline, 1);
+    EXPECT_EQ(clock.text(), QStringLiteral("00:00:00:00")) << "no stale time while offline";
     EXPECT_TRUE(client.errors().contains(QStringLiteral(
         "Server: You have been disconnected from the server, Auto Relogin Enabled..")));
     EXPECT_TRUE(client.session->console().lines().last().contains(QStringLiteral("disconnected")));
-    // While the server is away the countdown keeps trying, without a message box.
+    // While the server is away the countdown keeps trying, without a message box, and the
+    // login window says so.
     const auto triedBefore = client.errors().count(offline);
     ASSERT_TRUE(waitUntil([&] { return client.errors().count(offline) > triedBefore; }));
     EXPECT_TRUE(client.messages().isEmpty());
+    ASSERT_TRUE(waitUntil([&] {
+        return client.session->login().statusText() ==
+               QStringLiteral("Auto Reconnect: waiting to try again (") + offline + ')';
+    })) << client.session->login().statusText().toStdString();
     ASSERT_TRUE(startServer(port));
     ASSERT_TRUE(loggedIn(2)) << client.errors().toStdString();
+    // The trouble mended itself: its lines are in the error window, which never jumped up,
+    // and the last of them says the client is back.
+    EXPECT_EQ(errorWindowRaised, 0);
+    EXPECT_TRUE(client.errors().trimmed().endsWith(
+        QStringLiteral("Server: Reconnected, you are back online.")))
+        << client.errors().toStdString();
+    EXPECT_TRUE(client.session->console().lines().last().contains(QStringLiteral("Reconnected")));
 }
 
 }  // namespace
