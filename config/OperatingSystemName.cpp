@@ -34,6 +34,9 @@ QString OperatingSystemName::of(const Version& v) {
             return QStringLiteral("Windows 2003");
         }
     }
+    if (!v.windows && !v.productName.isEmpty()) {
+        return v.productName;
+    }
     return QStringLiteral("Unknown: ") + v.text;
 }
 
@@ -47,6 +50,7 @@ OperatingSystemName::Version OperatingSystemName::current() {
     if (v.text.isEmpty() || v.text == QLatin1String("unknown")) {
         v.text = QSysInfo::kernelVersion();
     }
+    v.productName = QSysInfo::prettyProductName();
     return v;
 }
 

@@ -5,7 +5,9 @@
 namespace tavren {
 
 // The operating-system name shown in the settings window's caption: the Windows releases by
-// name, anything else as "Unknown: " followed by its version number.
+// name, later Windows as "Unknown: " followed by its version number, and any other system by the
+// product name it gives itself ("Debian GNU/Linux 12 (bookworm)"), which says more to its user
+// than a bare number.
 class OperatingSystemName {
   public:
     struct Version {
@@ -13,7 +15,8 @@ class OperatingSystemName {
         bool windows9x = false;  // the 95/98/ME family
         int major = 0;
         int minor = 0;
-        QString text;  // the version as the platform spells it
+        QString text;         // the version as the platform spells it
+        QString productName;  // the system's own name for itself, when it has one
     };
 
     static QString of(const Version& version);

@@ -1,6 +1,8 @@
 #include "config/SettingsStore.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QStringList>
 
@@ -20,16 +22,50 @@ std::unique_ptr<QSettings> openDefaultStore() {
 
 }  // namespace
 
-SettingsStore::SettingsStore() : settings_(openDefaultStore()) {}
+SettingsStore::SettingsStore() : settings_(openDefaultStore()) {
+    keepFilePrivate();
+}
 
 SettingsStore::SettingsStore(const QString& iniPath)
-    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {}
+    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {
+    keepFilePrivate();
+}
 
-SettingsStore::SettingsStore(std::unique_ptr<QSettings> settings)
-    : settings_(std::move(settings)) {}
+SettingsStore::SettingsStore(std::unique_ptr<QSettings> settings) : settings_(std::move(settings)) {
+    keepFilePrivate();
+}
 
 SettingsStore::~SettingsStore() {
     settings_->sync();
+    keepFilePrivate();
+}
+
+bool SettingsStore::fileBacked() const {
+    if (settings_->format() != QSettings::NativeFormat) {
+        return true;
+    }
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    return true;  // the native store is an INI file under the user's configuration folder
+#else
+    return false;
+#endif
+}
+
+void SettingsStore::keepFilePrivate() const {
+    const QString file = settings_->fileName();
+    if (!fileBacked() || file.isEmpty()) {
+        return;
+    }
+    // Made before QSettings first writes it: QSettings replaces the file through a copy that
+    // takes over the permissions of the file it replaces, so 0600 stays from then on.
+    if (!QFileInfo::exists(file)) {
+        QDir().mkpath(QFileInfo(file).absolutePath());
+        QFile created(file);
+        if (!created.open(QIODevice::WriteOnly)) {
+            return;
+        }
+    }
+    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
 // The application name is the store's own scope (organisation and application "Tavren", or the
@@ -65,6 +101,8 @@ void SettingsStore::remove(const QString& section, const QString& key) {
 
 bool SettingsStore::sync() {
     settings_->sync();
+    // A file replaced by hand or by an older client may have come back readable by others.
+    keepFilePrivate();
     return settings_->status() == QSettings::NoError;
 }
 

@@ -14,6 +14,9 @@ namespace tavren {
 // With $TAVREN_HOME set the store is the INI file "settings.ini" in that folder, so tests and
 // portable installs never touch the user's own settings; otherwise it is the platform's native
 // per-user store (the registry on Windows, a per-user file elsewhere).
+//
+// The saved accounts keep their passwords in the store, so where the store is a file it is
+// readable and writable by its owner alone (0600), from before the first value is written.
 class SettingsStore {
   public:
     static constexpr const char* General = "General";
@@ -45,6 +48,10 @@ class SettingsStore {
 
   private:
     static QString path(const QString& section, const QString& key);
+    // Whether the store is a file of its own (not the registry or a preferences service).
+    bool fileBacked() const;
+    // Creates the file empty if need be and takes every permission but the owner's away.
+    void keepFilePrivate() const;
 
     std::unique_ptr<QSettings> settings_;
 };

@@ -29,7 +29,10 @@
 #include "config/ui/ColorPreview.h"
 #include "config/ui/ColorSwatch.h"
 #include "config/ui/ListEditor.h"
+#include "config/ui/SoundFileBox.h"
 #include "contacts/DataFiles.h"
+#include "core/ConnectTarget.h"
+#include "core/ConnectionOptions.h"
 #include "core/Prompter.h"
 
 namespace tavren {
@@ -313,18 +316,13 @@ QWidget* ChatConfig::buildSoundsPage() {
     auto* rows = new QWidget(this);
     auto* grid = new QGridLayout(rows);
     for (int slot = 0; slot < SoundSlots::Count; ++slot) {
-        auto* combo = editableCombo(QStringLiteral("Sound") + QString::number(slot));
-        combo->setMinimumContentsLength(20);
-        combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        auto* combo = new SoundFileBox(rows);
+        combo->setObjectName(QStringLiteral("Sound") + QString::number(slot));
         sounds_[std::size_t(slot)] = combo;
         connect(combo, &QComboBox::activated, this,
                 [this, slot](int index) { soundEntryActivated(slot, index); });
-        connect(combo, &QComboBox::editTextChanged, this, [this, combo, slot](const QString& text) {
-            if (text != SoundSlots::chooseFileText()) {
-                soundValues_[std::size_t(slot)] = text;
-                combo->setToolTip(text);  // a long path does not fit the box
-            }
-        });
+        connect(combo, &SoundFileBox::valueChanged, this,
+                [this, slot](const QString& value) { soundValues_[std::size_t(slot)] = value; });
         auto* select = new QPushButton(QStringLiteral("Select Sound..."), rows);
         select->setObjectName(QStringLiteral("Command9_") + QString::number(slot));
         connect(select, &QPushButton::clicked, this, [this, slot] { chooseSound(slot); });
@@ -363,13 +361,47 @@ QWidget* ChatConfig::buildProxyPage() {
 QWidget* ChatConfig::buildServerPage() {
     serverHost_ = editableCombo(QStringLiteral("Combo2"));
     serverPort_ = editableCombo(QStringLiteral("Combo3"));
-    auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("Server:"), serverHost_);
-    form->addRow(QStringLiteral("Port:"), serverPort_);
+    serverHostMeaning_ = new QLabel(this);
+    serverHostMeaning_->setObjectName(QStringLiteral("serverHostMeaning"));
+    serverPortMeaning_ = new QLabel(this);
+    serverPortMeaning_->setObjectName(QStringLiteral("serverPortMeaning"));
+    connect(serverHost_, &QComboBox::editTextChanged, this, &ChatConfig::explainServer);
+    connect(serverPort_, &QComboBox::editTextChanged, this, &ChatConfig::explainServer);
+    // What a keyword stands for goes in a column of its own, so both boxes line up.
+    auto* grid = new QGridLayout;
+    grid->addWidget(new QLabel(QStringLiteral("Server:"), this), 0, 0);
+    grid->addWidget(serverHost_, 0, 1);
+    grid->addWidget(serverHostMeaning_, 0, 2);
+    grid->addWidget(new QLabel(QStringLiteral("Port:"), this), 1, 0);
+    grid->addWidget(serverPort_, 1, 1);
+    grid->addWidget(serverPortMeaning_, 1, 2);
+    grid->setColumnStretch(1, 1);
     auto* layout = new QVBoxLayout;
-    layout->addLayout(form);
+    layout->addLayout(grid);
+    layout->addWidget(wrappedLabel(
+        tr("Names in braces stand for the servers and the port that this client was made for; "
+           "what each one connects to is shown beside it. Type a host name or address and a "
+           "port number to use another server."),
+        this));
     layout->addStretch(1);
     return pageWithLayout(this, layout);
+}
+
+void ChatConfig::explainServer() {
+    // The keywords are what is stored; the address behind them is fixed when the client is
+    // built, so the member cannot see it anywhere else.
+    const ConnectionOptions options = ConnectionOptions::deployment();
+    const QString host = serverHost_->currentText().trimmed();
+    const QString resolvedHost = ConnectTarget::resolveHost(host, options);
+    serverHostMeaning_->setText(resolvedHost != host ? tr("= %1").arg(resolvedHost) : QString());
+    const QString port = serverPort_->currentText().trimmed();
+    const quint16 resolvedPort = ConnectTarget::resolvePort(port, options);
+    if (resolvedPort == 0) {
+        serverPortMeaning_->setText(port.isEmpty() ? QString() : tr("not a port number"));
+    } else {
+        serverPortMeaning_->setText(
+            QString::number(resolvedPort) != port ? tr("= %1").arg(resolvedPort) : QString());
+    }
 }
 
 QWidget* ChatConfig::buildPrivacyPage() {
@@ -411,6 +443,8 @@ QWidget* ChatConfig::buildAwayPage() {
 void ChatConfig::openAt(Page page) {
     reload();
     showPage(page);
+    // From the page list the arrow keys walk the pages and Tab goes into the page shown.
+    pages_->setFocus(Qt::OtherFocusReason);
     show();
     raise();
     activateWindow();
@@ -460,15 +494,10 @@ void ChatConfig::populate(const SettingsValues& v) {
     autoReconnect_->setChecked(v.autoReconnect);
     lowerRange_->setValue(v.lowerRange);
     upperRange_->setValue(v.upperRange);
-    const QStringList soundChoices{SoundSlots::chooseFileText(), SoundSlots::disabledText()};
     for (int slot = 0; slot < SoundSlots::Count; ++slot) {
-        soundValues_[std::size_t(slot)] = v.sounds[std::size_t(slot)];
-        QComboBox* combo = sounds_[std::size_t(slot)];
-        combo->clear();
-        combo->addItems(soundChoices);
-        combo->setCurrentIndex(-1);
-        combo->setEditText(v.sounds[std::size_t(slot)]);
+        sounds_[std::size_t(slot)]->setValue(v.sounds[std::size_t(slot)]);
     }
+    explainServer();
     refreshColors();
 }
 
@@ -555,17 +584,16 @@ void ChatConfig::removeScheme() {
 }
 
 void ChatConfig::soundEntryActivated(int slot, int index) {
-    QComboBox* combo = sounds_[std::size_t(slot)];
-    if (combo->itemText(index) == SoundSlots::chooseFileText()) {
+    if (index == SoundFileBox::kChooseFileIndex) {
         chooseSound(slot);
     }
 }
 
 void ChatConfig::chooseSound(int slot) {
-    QComboBox* combo = sounds_[std::size_t(slot)];
+    SoundFileBox* combo = sounds_[std::size_t(slot)];
     const QString file = fileChooser_(settings_.dataRoot() + QStringLiteral("/sounds"));
     // Backing out of the chooser leaves the slot as it was.
-    combo->setEditText(file.isEmpty() ? soundValues_[std::size_t(slot)] : file);
+    combo->setValue(file.isEmpty() ? soundValues_[std::size_t(slot)] : file);
     if (!file.isEmpty() && player_ != nullptr) {
         player_->playFile(file);
     }

@@ -28,6 +28,7 @@ class DataFiles;
 class ListEditor;
 class Prompter;
 class Settings;
+class SoundFileBox;
 class SoundPlayer;
 
 // The settings window. It edits a copy of the shared settings and of the away, ignore and
@@ -108,6 +109,8 @@ class ChatConfig : public QDialog {
     void removeScheme();
     void chooseSound(int slot);
     void soundEntryActivated(int slot, int index);
+    // Says beside the server and port what their keywords stand for.
+    void explainServer();
 
     Settings& settings_;
     DataFiles& files_;
@@ -150,9 +153,11 @@ class ChatConfig : public QDialog {
     QComboBox* proxyHost_;
     QComboBox* serverHost_;
     QComboBox* serverPort_;
+    QLabel* serverHostMeaning_;
+    QLabel* serverPortMeaning_;
     QSpinBox* lowerRange_;
     QSpinBox* upperRange_;
-    std::array<QComboBox*, SoundSlots::Count> sounds_{};
+    std::array<SoundFileBox*, SoundSlots::Count> sounds_{};
     ListEditor* ignore_;
     ListEditor* perform_;
     AwayMessagesEditor* away_;

@@ -15,7 +15,9 @@
 #include "config/ui/ChatConfig.h"
 #include "config/ui/ColorSwatch.h"
 #include "config/ui/ListEditor.h"
+#include "config/ui/SoundFileBox.h"
 #include "contacts/DataFiles.h"
+#include "core/ConnectionOptions.h"
 #include "support/ScriptedPrompter.h"
 
 namespace tavren {
@@ -215,28 +217,60 @@ TEST_F(ChatConfigTest, SwatchesSchemesAndPreviewWorkOnTheCopy) {
     EXPECT_EQ(window->editedValues().scheme, "Red");
 }
 
-TEST_F(ChatConfigTest, SoundSlotsChooseAFileOrSwitchOff) {
+TEST_F(ChatConfigTest, SoundSlotsChooseAFileOrSwitchOffAndShowTheFileByName) {
     QString startedIn;
-    QString answer = "/music/bell.wav";
+    QString answer = "/music/bells and whistles/bell.wav";
     window->setFileChooser([&](const QString& folder) {
         startedIn = folder;
         return answer;
     });
     control<QPushButton>("Command9_6")->click();
     EXPECT_EQ(startedIn, root() + "/sounds");
-    EXPECT_EQ(window->editedValues().sounds[6], "/music/bell.wav");
+    EXPECT_EQ(window->editedValues().sounds[6], answer);
+    // The box shows the file's name; the whole path is its tooltip.
+    auto* combo = control<SoundFileBox>("Sound6");
+    EXPECT_EQ(combo->currentText(), "bell.wav");
+    EXPECT_EQ(combo->toolTip(), answer);
 
     // Backing out of the chooser keeps the slot's file.
+    const QString chosen = answer;
     answer.clear();
-    auto* combo = control<QComboBox>("Sound6");
-    combo->setCurrentIndex(0);
-    emit combo->activated(0);
-    EXPECT_EQ(combo->currentText(), "/music/bell.wav");
-    EXPECT_EQ(window->editedValues().sounds[6], "/music/bell.wav");
+    combo->setCurrentIndex(SoundFileBox::kChooseFileIndex);
+    emit combo->activated(SoundFileBox::kChooseFileIndex);
+    EXPECT_EQ(combo->currentText(), "bell.wav");
+    EXPECT_EQ(window->editedValues().sounds[6], chosen);
 
-    combo->setCurrentIndex(1);
+    // Switched off, the file stays one pick away.
+    combo->setCurrentIndex(SoundFileBox::kDisabledIndex);
     EXPECT_EQ(window->editedValues().sounds[6], "x-Disabled-x");
     EXPECT_EQ(combo->itemText(0), "*Choose File*");
+    combo->setCurrentIndex(SoundFileBox::kFileIndex);
+    EXPECT_EQ(window->editedValues().sounds[6], chosen);
+
+    // The stock sounds show their names too, whatever folder the data root is in.
+    EXPECT_EQ(control<SoundFileBox>("Sound0")->currentText(), "buddy_online.wav");
+    EXPECT_EQ(control<SoundFileBox>("Sound0")->value(), root() + "/sounds/buddy_online.wav");
+}
+
+TEST_F(ChatConfigTest, TheServerPageSaysWhatTheKeywordsStandFor) {
+    const ConnectionOptions deployment = ConnectionOptions::deployment();
+    auto* host = control<QComboBox>("Combo2");
+    auto* port = control<QComboBox>("Combo3");
+    auto* hostMeaning = control<QLabel>("serverHostMeaning");
+    auto* portMeaning = control<QLabel>("serverPortMeaning");
+    // The keywords stay the stored values; beside them is where they lead.
+    EXPECT_EQ(host->currentText(), "{default server #1}");
+    EXPECT_EQ(hostMeaning->text(), "= " + deployment.defaultServers.value(0));
+    EXPECT_EQ(port->currentText(), "{Default Port}");
+    EXPECT_EQ(portMeaning->text(), "= " + QString::number(deployment.defaultPort));
+
+    host->setEditText("chat.example.org");
+    port->setEditText("5679");
+    EXPECT_TRUE(hostMeaning->text().isEmpty()) << "a host typed by hand needs no explaining";
+    EXPECT_TRUE(portMeaning->text().isEmpty());
+    port->setEditText("abc");
+    EXPECT_EQ(portMeaning->text(), "not a port number");
+    EXPECT_EQ(window->editedValues().serverHost, "chat.example.org");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QMap>
 
 #include "SettingsFixture.h"
@@ -291,15 +292,41 @@ TEST_F(SettingsTest, ChangedIsAnnouncedOnLoadAndOnNewValues) {
     EXPECT_EQ(nick, "Carol");
 }
 
-TEST_F(SettingsTest, WithTavrenHomeSetTheDefaultStoreIsTheFileUnderIt) {
+TEST_F(SettingsTest, WithTavrenHomeSetTheDefaultStoreIsTheFileUnderItReadableByItsOwnerOnly) {
+    // The saved accounts' passwords are in this file.
+    const auto othersMayTouch = [this] {
+        const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
+                                                QFileDevice::ExeGroup | QFileDevice::ReadOther |
+                                                QFileDevice::WriteOther | QFileDevice::ExeOther;
+        return (QFile::permissions(iniPath()) & others) != 0;
+    };
+    const QFileDevice::Permissions ownerReadWrite =
+        QFileDevice::ReadOwner | QFileDevice::WriteOwner;
     const QByteArray previous = qgetenv("TAVREN_HOME");
     qputenv("TAVREN_HOME", root().toUtf8());
     {
         SettingsStore store;
         EXPECT_EQ(QDir::cleanPath(store.location()), QDir::cleanPath(iniPath()));
+        ASSERT_TRUE(QFile::exists(iniPath())) << "made private before the first write";
+        EXPECT_FALSE(othersMayTouch());
         store.setValue("General", "bold", "0");
+        store.setValue("Users", "UserString", "alice:secret;");
+        EXPECT_TRUE(store.sync());
+        EXPECT_FALSE(othersMayTouch());
+        EXPECT_EQ(QFile::permissions(iniPath()) & ownerReadWrite, ownerReadWrite);
     }
     EXPECT_EQ(openStore()->value("General", "bold"), "0");
+
+    // A file that was opened up (by hand, by an older client) is closed again.
+    QFile::setPermissions(iniPath(),
+                          ownerReadWrite | QFileDevice::ReadGroup | QFileDevice::ReadOther);
+    {
+        SettingsStore store;
+        EXPECT_FALSE(othersMayTouch());
+        store.setValue("General", "bold", "1");
+    }
+    EXPECT_FALSE(othersMayTouch());
+    EXPECT_EQ(openStore()->value("General", "bold"), "1");
     qputenv("TAVREN_HOME", previous);
 }
 

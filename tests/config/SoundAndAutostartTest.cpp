@@ -80,13 +80,17 @@ TEST(SystemAutostartTest, ExecLineQuotesPathsAndCarriesTheDataRoot) {
         << entry.toStdString();
 }
 
-TEST(OperatingSystemNameTest, WindowsReleasesByNameOthersByVersion) {
+TEST(OperatingSystemNameTest, OldWindowsByReleaseNameOtherSystemsByTheirOwnName) {
     using V = OperatingSystemName::Version;
-    EXPECT_EQ(OperatingSystemName::of(V{true, false, 5, 1, "5.1"}), "Windows XP");
-    EXPECT_EQ(OperatingSystemName::of(V{true, false, 3, 51, "3.51"}), "Windows NT 351");
-    EXPECT_EQ(OperatingSystemName::of(V{true, true, 4, 90, "4.90"}), "Windows ME");
-    EXPECT_EQ(OperatingSystemName::of(V{true, false, 10, 0, "10"}), "Unknown: 10");
-    EXPECT_EQ(OperatingSystemName::of(V{false, false, 12, 0, "12"}), "Unknown: 12");
+    EXPECT_EQ(OperatingSystemName::of(V{true, false, 5, 1, "5.1", ""}), "Windows XP");
+    EXPECT_EQ(OperatingSystemName::of(V{true, false, 3, 51, "3.51", ""}), "Windows NT 351");
+    EXPECT_EQ(OperatingSystemName::of(V{true, true, 4, 90, "4.90", ""}), "Windows ME");
+    EXPECT_EQ(OperatingSystemName::of(V{true, false, 10, 0, "10", "Windows 10 Version 2009"}),
+              "Unknown: 10");
+    // Elsewhere the system's own name says more than a bare number; without one, the number.
+    EXPECT_EQ(OperatingSystemName::of(V{false, false, 12, 0, "12", "Debian GNU/Linux 12"}),
+              "Debian GNU/Linux 12");
+    EXPECT_EQ(OperatingSystemName::of(V{false, false, 12, 0, "12", ""}), "Unknown: 12");
 }
 
 }  // namespace
