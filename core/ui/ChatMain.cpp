@@ -15,17 +15,22 @@
 #include <QToolButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "config/WindowPlacement.h"
 #include "config/ui/ChatConfig.h"
 #include "core/AwayMenuModel.h"
 #include "core/ClientSession.h"
 #include "core/ConnectedClock.h"
+#include "core/LoginFlow.h"
+#include "core/ServerConnection.h"
+#include "core/ServerSession.h"
 #include "core/ui/AboutDialog.h"
 #include "core/ui/AppIcon.h"
 #include "core/ui/ChatNewAway.h"
 #include "core/ui/ConnectionWindows.h"
 #include "core/ui/MessageBoxPrompter.h"
+#include "core/ui/ToolBarIcons.h"
 
 namespace tavren {
 
@@ -59,7 +64,13 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     applyViewSettings();
     rebuildAwayMenu();
 
-    resize(330, 560);
+    // Wide enough for the tool bar's buttons and every field of the status bar; never taller
+    // or wider than a small (or strongly scaled) screen.
+    QSize defaultSize(360, 580);
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        defaultSize = defaultSize.boundedTo(screen->availableGeometry().size());
+    }
+    resize(defaultSize);
     if (const auto placement = WindowPlacement::load(session_.store(), kWindowName)) {
         // A placement from a screen that is gone would hide the window; keep it on screen.
         const QRect wanted(placement->left, placement->top, placement->width, placement->height);
@@ -179,12 +190,24 @@ void ChatMain::buildMenus() {
                        true),
             &QAction::triggered, this, &ChatMain::showAbout);
 
+    // Icons with the command as tooltip: four buttons fit the narrowest main window, where the
+    // captions would push all but the first behind the overflow arrow. The tooltips follow the
+    // commands' captions ("Login.." turns into "Log Off").
     toolBar_ = addToolBar(QStringLiteral("Tools"));
     toolBar_->setObjectName(QStringLiteral("toolbar"));
     toolBar_->setMovable(false);
-    toolBar_->setToolButtonStyle(Qt::ToolButtonTextOnly);
-    for (const char* name : {"joinroom", "sendmsg", "config"}) {
-        toolBar_->addAction(actions_.value(QString::fromLatin1(name)));
+    toolBar_->setToolButtonStyle(Qt::ToolButtonIconOnly);
+    toolBar_->setIconSize(QSize(24, 24));
+    const std::pair<const char*, QIcon> tools[] = {
+        {"loginoff", ToolBarIcons::logInOrOff()},
+        {"joinroom", ToolBarIcons::joinChannel()},
+        {"sendmsg", ToolBarIcons::privateMessage()},
+        {"config", ToolBarIcons::settings()},
+    };
+    for (const auto& [name, icon] : tools) {
+        QAction* action = actions_.value(QString::fromLatin1(name));
+        action->setIcon(icon);
+        toolBar_->addAction(action);
     }
 }
 
@@ -224,16 +247,49 @@ void ChatMain::buildStatusBar() {
 
     onlineLabel_ = new QLabel(this);
     onlineLabel_->setObjectName(QStringLiteral("onlineLabel"));
+    onlineLabel_->setToolTip(QStringLiteral("Members online on the server"));
     scoreLabel_ = new QLabel(this);
     scoreLabel_->setObjectName(QStringLiteral("scoreLabel"));
+    scoreLabel_->setToolTip(
+        QStringLiteral("Your Tavren Score: the points the server keeps for your account"));
+    const QString timeHint = QStringLiteral(
+        "Time connected to the server (days:hours:minutes:seconds); "
+        "back to zero while offline");
+    // The clock face labels the time without taking the width of a word.
+    auto* timeIcon = new QLabel(this);
+    timeIcon->setObjectName(QStringLiteral("connectedTimeIcon"));
+    const int iconSide = timeIcon->fontMetrics().height();
+    timeIcon->setPixmap(
+        ToolBarIcons::connectedTime().pixmap(QSize(iconSide, iconSide), devicePixelRatioF()));
+    timeIcon->setToolTip(timeHint);
     timeLabel_ = new QLabel(session_.server().clock().text(), this);
     timeLabel_->setObjectName(QStringLiteral("connectedTime"));
-    timeLabel_->setToolTip(QStringLiteral("Connected time (days:hours:minutes:seconds)"));
+    timeLabel_->setToolTip(timeHint);
 
     statusBar()->addWidget(statusButton_);
     statusBar()->addWidget(onlineLabel_, 1);
     statusBar()->addWidget(scoreLabel_);
+    statusBar()->addPermanentWidget(timeIcon);
     statusBar()->addPermanentWidget(timeLabel_);
+
+    // Offline, the label says whether the client is getting back on its own; the last line
+    // about the connection is its tooltip.
+    ServerSession& server = session_.server();
+    connect(&server.login(), &LoginFlow::buttonChanged, this, [this](const LoginButton& button) {
+        const LoginFlow& login = session_.server().login();
+        if (login.online()) {
+            return;
+        }
+        QString text = QStringLiteral("Offline");
+        if (button.kind == LoginButton::Kind::Countdown) {
+            text = QStringLiteral("Offline, reconnecting..");
+        } else if (button.kind == LoginButton::Kind::Cancel) {
+            text = login.mode() == LoginFlow::Mode::New ? QStringLiteral("Signing up..")
+                                                        : QStringLiteral("Connecting..");
+        }
+        onlineLabel_->setText(text);
+    });
+    connect(&server.connection(), &ServerConnection::statusLine, onlineLabel_, &QLabel::setToolTip);
 }
 
 void ChatMain::buildTrayIcon() {

@@ -63,6 +63,9 @@ void ConnectionWindows::showLogin() {
     if (firstShow && owner_ != nullptr && owner_->isVisible()) {
         // Beside the main window rather than over it, on whichever side the screen has room.
         window.adjustSize();
+        if (!owner_->testAttribute(Qt::WA_Moved)) {
+            placePairOnScreen(window);
+        }
         const QRect owner = owner_->frameGeometry();
         QPoint place(owner.right() + kWindowGap, owner.top());
         if (const QScreen* screen = owner_->screen()) {
@@ -74,6 +77,20 @@ void ConnectionWindows::showLogin() {
         window.move(place);
     }
     bringForward(window);
+}
+
+void ConnectionWindows::placePairOnScreen(const QWidget& login) {
+    // The main window has only just been shown and has no place of its own (none was saved):
+    // the window manager would put it wherever it likes, perhaps under the login window. Both
+    // go side by side in the middle of the screen instead.
+    const QScreen* screen = owner_->screen();
+    if (screen == nullptr) {
+        return;
+    }
+    const QRect area = screen->availableGeometry();
+    const int pairWidth = owner_->frameGeometry().width() + kWindowGap + login.width();
+    owner_->move(area.left() + std::max(0, (area.width() - pairWidth) / 2),
+                 area.top() + std::max(0, (area.height() - owner_->frameGeometry().height()) / 2));
 }
 
 void ConnectionWindows::loginOrLogOff() {

@@ -42,6 +42,7 @@ class ConnectionWindows : public QObject {
 
   private:
     void openEmailDialog(const QString& email);
+    void placePairOnScreen(const QWidget& login);
 
     ServerSession& session_;
     Prompter& prompter_;

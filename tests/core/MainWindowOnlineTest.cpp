@@ -73,7 +73,10 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     server.stop();
     ASSERT_TRUE(test::waitUntil([&] { return !session.server().online(); }));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Tavren Chat Offline (?\?)"));
-    EXPECT_EQ(online->text(), QStringLiteral("Offline"));
+    // The server went away unannounced, so the client is on its way back and says so.
+    EXPECT_EQ(online->text(), QStringLiteral("Offline, reconnecting.."));
+    EXPECT_TRUE(online->toolTip().contains(QStringLiteral("disconnected")));
+    EXPECT_EQ(window.connectedTimeText(), QStringLiteral("00:00:00:00"));
     EXPECT_EQ(window.action(QStringLiteral("loginoff"))->text(), QStringLiteral("&Login.."));
     EXPECT_FALSE(window.action(QStringLiteral("changepassword"))->isEnabled());
     EXPECT_FALSE(awayAction("awy0")->isEnabled());

@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QCoreApplication>
+#include <QLabel>
 #include <QMenu>
 #include <QTemporaryDir>
+#include <QToolBar>
 
 #include "core/ClientSession.h"
 #include "core/Startup.h"
@@ -51,6 +54,29 @@ TEST_F(MainWindowTest, StartsOfflineWithLoadingPaneAndZeroTime) {
         EXPECT_TRUE(window->action(QString::fromLatin1(available))->isEnabled()) << available;
     }
     EXPECT_FALSE(window->action(QStringLiteral("joinroom"))->isEnabled());
+}
+
+TEST_F(MainWindowTest, ToolBarButtonsAllFitTheDefaultWidthAndSayWhatTheyDo) {
+    window->show();
+    QCoreApplication::processEvents();
+    auto* toolBar = window->findChild<QToolBar*>(QStringLiteral("toolbar"));
+    ASSERT_NE(toolBar, nullptr);
+    QStringList shown;
+    for (QAction* action : toolBar->actions()) {
+        QWidget* button = toolBar->widgetForAction(action);
+        ASSERT_NE(button, nullptr) << action->objectName().toStdString();
+        // A button that does not fit is hidden behind the tool bar's overflow arrow.
+        EXPECT_TRUE(button->isVisible()) << action->objectName().toStdString();
+        EXPECT_FALSE(action->icon().isNull()) << action->objectName().toStdString();
+        EXPECT_FALSE(action->toolTip().isEmpty()) << action->objectName().toStdString();
+        shown << action->objectName();
+    }
+    EXPECT_EQ(shown, (QStringList{"loginoff", "joinroom", "sendmsg", "config"}));
+    for (const char* label : {"scoreLabel", "connectedTime", "onlineLabel"}) {
+        auto* found = window->findChild<QLabel*>(QString::fromLatin1(label));
+        ASSERT_NE(found, nullptr) << label;
+        EXPECT_FALSE(found->toolTip().isEmpty()) << label;
+    }
 }
 
 TEST_F(MainWindowTest, AwayMenuListsTheSavedMessages) {
