@@ -42,6 +42,8 @@ ChatNewAway::ChatNewAway(AwayStatus& status, AwayMessages& saved, Prompter& prom
     layout->addWidget(keep_);
     layout->addWidget(buttons);
     setMinimumWidth(380);
+    // Both fields start empty; typing goes to the first.
+    name_->setFocus(Qt::OtherFocusReason);
 }
 
 void ChatNewAway::accept() {

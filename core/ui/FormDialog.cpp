@@ -9,6 +9,11 @@
 
 namespace tavren {
 
+namespace {
+// Wide enough that the window manager shows the longest of the dialogs' titles whole.
+constexpr int kMinimumWidth = 380;
+}  // namespace
+
 FormDialog::FormDialog(const QString& objectName, const QString& title, QWidget* parent)
     : QDialog(parent),
       note_(new QLabel(this)),
@@ -24,6 +29,8 @@ FormDialog::FormDialog(const QString& objectName, const QString& title, QWidget*
     problem_->setWordWrap(true);
     connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    okButton()->setDefault(true);
+    setMinimumWidth(kMinimumWidth);
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(note_);
@@ -44,6 +51,7 @@ QLineEdit* FormDialog::addField(const QString& label, const QString& objectName,
         field->setEchoMode(QLineEdit::Password);
     }
     form_->addRow(label, field);
+    fields_ << field;
     return field;
 }
 
@@ -54,6 +62,44 @@ void FormDialog::setNote(const QString& note) {
 
 QPushButton* FormDialog::okButton() const {
     return buttons_->button(QDialogButtonBox::Ok);
+}
+
+void FormDialog::showEvent(QShowEvent* event) {
+    orderTabs();
+    focusFirstEmptyField();
+    QDialog::showEvent(event);
+}
+
+void FormDialog::orderTabs() {
+    // The buttons are made before the subclass adds its fields, so by creation order they would
+    // come first and take the focus.
+    QWidget* previous = nullptr;
+    for (QLineEdit* field : fields_) {
+        if (previous != nullptr) {
+            setTabOrder(previous, field);
+        }
+        previous = field;
+    }
+    QPushButton* cancel = buttons_->button(QDialogButtonBox::Cancel);
+    if (previous != nullptr) {
+        setTabOrder(previous, okButton());
+    }
+    setTabOrder(okButton(), cancel);
+}
+
+void FormDialog::focusFirstEmptyField() {
+    for (QLineEdit* field : fields_) {
+        if (field->isEnabled() && field->text().isEmpty()) {
+            field->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
+    // Everything is filled in (an account being changed, a sign-up the server refused): start
+    // at the top with the text selected, so typing replaces it.
+    if (!fields_.isEmpty()) {
+        fields_.first()->setFocus(Qt::OtherFocusReason);
+        fields_.first()->selectAll();
+    }
 }
 
 }  // namespace tavren

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QList>
 
 class QDialogButtonBox;
 class QFormLayout;
@@ -13,6 +14,9 @@ namespace tavren {
 // The account dialogs' common shape: an optional note, labelled text fields, a line in red that
 // says what is wrong, and OK/Cancel. OK stays in the dialog until the subclass's accept() finds
 // the fields good; a problem is shown inside the dialog rather than in a box of its own.
+// Each time it is shown the typing goes to the first empty field (or the first field, selected,
+// when all are filled), Tab walks the fields top to bottom and then OK and Cancel, and Enter
+// presses OK: that is safe because OK only checks and says what is missing.
 class FormDialog : public QDialog {
     Q_OBJECT
   public:
@@ -28,11 +32,17 @@ class FormDialog : public QDialog {
     void setNote(const QString& note);
     QPushButton* okButton() const;
 
+    void showEvent(QShowEvent* event) override;
+
   private:
+    void orderTabs();
+    void focusFirstEmptyField();
+
     QLabel* note_;
     QFormLayout* form_;
     QLabel* problem_;
     QDialogButtonBox* buttons_;
+    QList<QLineEdit*> fields_;
 };
 
 }  // namespace tavren

@@ -15,9 +15,13 @@ SignUpDialog::SignUpDialog(LoginFlow& login, QWidget* parent)
       confirmation_(addField(QStringLiteral("&Confirm password:"),
                              QStringLiteral("signUpConfirmation"), true)),
       email_(addField(QStringLiteral("&E-mail address:"), QStringLiteral("signUpEmail"))) {
+    // Signing up adds the account to the saved accounts, password and all, as adding one by
+    // hand does; say so before the member types the password.
     setNote(
         QStringLiteral("A nickname has 2 to 20 letters, digits, '_', '-' or '.', starting with "
-                       "a letter. A password has 4 to 64 characters."));
+                       "a letter. A password has 4 to 64 characters.\n\n"
+                       "The new account is added to the saved accounts on this computer, with "
+                       "the password as you type it, so that you can log in with one click."));
     okButton()->setText(QStringLiteral("&Sign Up"));
 }
 
