@@ -25,6 +25,19 @@ constexpr std::array kSchemaSteps = {
            created_at INTEGER NOT NULL,
            nickname_format TEXT NOT NULL DEFAULT ''
        ))",
+    // Channels outlive their members: name, topic and host stay until the channel has been empty
+    // for the expiry time. Official channels have no host.
+    R"(CREATE TABLE channels (
+           id INTEGER PRIMARY KEY,
+           name TEXT NOT NULL UNIQUE COLLATE NOCASE,
+           topic TEXT NOT NULL DEFAULT '',
+           host_id INTEGER REFERENCES accounts(id) ON DELETE SET NULL,
+           official INTEGER NOT NULL DEFAULT 0 CHECK (official IN (0, 1)),
+           created_at INTEGER NOT NULL,
+           last_used_at INTEGER NOT NULL
+       );
+       CREATE INDEX channels_by_host ON channels(host_id);
+       CREATE INDEX channels_by_last_use ON channels(last_used_at) WHERE official = 0;)",
 };
 
 }  // namespace
@@ -44,6 +57,9 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file) {
     try {
         sqlite3_busy_timeout(db_, 5000);
         execute("PRAGMA journal_mode=WAL");
+        // In WAL mode this syncs at checkpoints only: a power cut may lose the last moments,
+        // never the database, and a write no longer makes the network thread wait for the disk.
+        execute("PRAGMA synchronous=NORMAL");
         execute("PRAGMA foreign_keys=ON");
         migrate();
     } catch (...) {
@@ -79,15 +95,21 @@ void SqliteDatabase::migrate() {
                            std::to_string(current) + ")");
     }
     for (std::size_t step = current; step < kSchemaSteps.size(); ++step) {
-        execute("BEGIN IMMEDIATE");
-        try {
+        inTransaction([&] {
             execute(kSchemaSteps[step]);
             execute("PRAGMA user_version=" + std::to_string(step + 1));
-            execute("COMMIT");
-        } catch (...) {
-            sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-            throw;
-        }
+        });
+    }
+}
+
+void SqliteDatabase::inTransaction(const std::function<void()>& work) {
+    execute("BEGIN IMMEDIATE");
+    try {
+        work();
+        execute("COMMIT");
+    } catch (...) {
+        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
+        throw;
     }
 }
 

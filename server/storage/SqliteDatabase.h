@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 struct sqlite3;
@@ -19,6 +20,8 @@ class SqliteDatabase {
 
     // Runs statements that return no rows; throws StorageError on failure.
     void execute(const std::string& sql);
+    // Runs `work` as one transaction: all of it is kept, or none of it when it throws.
+    void inTransaction(const std::function<void()>& work);
     sqlite3* handle() const { return db_; }
     // The database's own message for the last failure.
     std::string lastError() const;

@@ -33,6 +33,13 @@ SqliteStatement& SqliteStatement::bind(int index, std::int64_t number) {
     return *this;
 }
 
+SqliteStatement& SqliteStatement::bindNull(int index) {
+    if (sqlite3_bind_null(statement_, index) != SQLITE_OK) {
+        throw StorageError("cannot bind parameter: " + db_.lastError());
+    }
+    return *this;
+}
+
 bool SqliteStatement::step() {
     const int status = sqlite3_step(statement_);
     if (status == SQLITE_ROW) {

@@ -21,6 +21,7 @@ class SqliteStatement {
 
     SqliteStatement& bind(int index, std::string_view text);
     SqliteStatement& bind(int index, std::int64_t number);
+    SqliteStatement& bindNull(int index);
 
     // True while a row is available; false when the statement is done.
     bool step();

@@ -117,6 +117,22 @@ SharedFrame shared(std::string bytes) {
     return std::make_shared<const std::string>(std::move(bytes));
 }
 
+TEST(LocalPresenceHubTest, SendToReachesTheNamedMembersWhoAreOnlineWhateverTheCase) {
+    LocalPresenceHub hub;
+    auto alice = std::make_shared<RecordingLink>(hub, "Alice");
+    auto bob = std::make_shared<RecordingLink>(hub, "bob");
+    hub.join("Alice", alice);
+    hub.join("bob", bob);
+    EXPECT_TRUE(hub.isOnline("ALICE"));
+    EXPECT_FALSE(hub.isOnline("carol"));
+    const std::vector<std::string> names{"alice", "carol", "BOB"};
+    hub.sendTo(names, out::kMemberList, "General:Alice;bob;");
+    for (const auto& link : {alice, bob}) {
+        EXPECT_EQ(link->frames.back(),
+                  std::make_pair(out::kMemberList, std::string("General:Alice;bob;")));
+    }
+}
+
 TEST(OutgoingQueueTest, RefusesFramesBeyondEitherLimitAndKeepsTheirOrder) {
     OutgoingQueue queue(3, 10);
     EXPECT_TRUE(queue.push(shared(std::string(6, 'a'))));
