@@ -57,11 +57,13 @@ std::string AccountRules::checkEmail(std::string_view email) {
 }
 
 std::string AccountRules::checkNicknameFormat(std::string_view format) {
+    // A ":" would end the sender field of every relayed line early.
     if (format.size() <= kMaxNicknameFormatLength &&
-        std::none_of(format.begin(), format.end(), isControl)) {
+        std::none_of(format.begin(), format.end(),
+                     [](char c) { return isControl(c) || c == ':'; })) {
         return {};
     }
-    return "A nickname format has at most 200 characters and no control characters.";
+    return "A nickname format has at most 200 characters, no control characters and no ':'.";
 }
 
 }  // namespace tavren::server

@@ -31,7 +31,7 @@ class AccountRules {
     static std::string checkPassword(std::string_view password);
     static std::string checkEmail(std::string_view email);
     // The nickname format is the client's own text; the server keeps it as long as it is short
-    // and free of control characters.
+    // and free of control characters and ":" (it travels inside the sender field of lines).
     static std::string checkNicknameFormat(std::string_view format);
 };
 

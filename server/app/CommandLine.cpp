@@ -1,5 +1,6 @@
 #include "server/app/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -7,6 +8,8 @@
 #include <map>
 
 #include "server/app/DataFolder.h"
+#include "server/base/AsciiText.h"
+#include "server/rooms/ChannelRules.h"
 
 namespace tavren::server {
 
@@ -61,6 +64,20 @@ void parseListen(const std::string& text, ServerConfig& config) {
     }
     config.listenHost = host;
     config.listenPort = parseNumber<std::uint16_t>("--listen", port, 0, 65535);
+}
+
+// "--channel NAME": one more official channel, named as the operator spells it.
+void addOfficialChannel(const std::string& name, ServerConfig& config) {
+    if (const std::string problem = ChannelRules::checkOfficialName(name); !problem.empty()) {
+        throw CommandLineError("--channel \"" + name + "\": " + problem);
+    }
+    auto& official = config.rooms.officialChannels;
+    const bool known = std::any_of(official.begin(), official.end(), [&](const std::string& other) {
+        return AsciiText::equalNoCase(other, name);
+    });
+    if (!known) {
+        official.push_back(name);
+    }
 }
 
 using OptionHandler = std::function<void(CommandLine&, const std::string&)>;
@@ -121,6 +138,47 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          }},
         {"--update-url", [](CommandLine& c, const std::string& v) { c.config.updateUrl = v; }},
         {"--motd", [](CommandLine& c, const std::string& v) { c.config.messageOfTheDay = v; }},
+        {"--channel",
+         [](CommandLine& c, const std::string& v) { addOfficialChannel(v, c.config); }},
+        {"--max-line",
+         [](CommandLine& c, const std::string& v) {
+             // A line must fit one payload with its channel and sender around it.
+             c.config.rooms.maxLine = parseNumber<std::size_t>("--max-line", v, 1, 1000000);
+         }},
+        {"--max-topic",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.maxTopic = parseNumber<std::size_t>("--max-topic", v, 1, 10000);
+         }},
+        {"--max-channels-per-member",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.maxChannelsPerMember =
+                 parseNumber<std::size_t>("--max-channels-per-member", v, 1, 1000);
+         }},
+        {"--max-channel-members",
+         [](CommandLine& c, const std::string& v) {
+             // The whole member list must fit one payload: 40,000 names of 20 bytes with their
+             // marks and separators stay below 1 MiB.
+             c.config.rooms.maxChannelMembers =
+                 parseNumber<std::size_t>("--max-channel-members", v, 1, 40000);
+         }},
+        {"--max-hosted-channels",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.maxHostedChannels =
+                 parseNumber<std::size_t>("--max-hosted-channels", v, 0, 1000);
+         }},
+        {"--channel-expiry-days",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.channelExpiryDays =
+                 parseNumber<int>("--channel-expiry-days", v, 1, 36500);
+         }},
+        {"--flood-lines",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.floodLines = parseNumber<int>("--flood-lines", v, 1, 1000000);
+         }},
+        {"--flood-interval",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.floodInterval = parseSeconds("--flood-interval", v);
+         }},
         {"--staff",
          [](CommandLine& c, const std::string& v) {
              c.staffLevel = parseNumber<int>("--staff", v, 1, 3);
@@ -197,7 +255,18 @@ Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or 
   --min-version X.Y.Z         older clients are refused (default 1.0.0)
   --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
   --update-url URL            where the update is downloaded from
-  --motd TEXT                 notice shown to every member after login
+  --motd TEXT                 message of the day, shown after login and on /motd
+
+Channels ("General" and "Tavren General Chat" always exist):
+  --channel NAME              one more official channel (repeatable)
+  --max-line BYTES            longest channel line (default 2048)
+  --max-topic BYTES           longest topic (default 200)
+  --max-channels-per-member N channels one member may be in at once (default 20)
+  --max-channel-members N     members in one channel (default 2000, highest 40000)
+  --max-hosted-channels N     member channels one member may host (default 5)
+  --channel-expiry-days N     an empty member channel is removed after this long (default 30)
+  --flood-lines N             lines a member may send in a burst (default 10)
+  --flood-interval SECONDS    time in which one more line is earned back (default 1)
 )";
 }
 

@@ -13,10 +13,14 @@
 #include "server/contacts/StatusLineRequests.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
+#include "server/rooms/RoomRequests.h"
+#include "server/rooms/RoomService.h"
+#include "server/rooms/ServerCommands.h"
 #include "server/session/FeatureTable.h"
 #include "server/session/SessionHandler.h"
 #include "server/session/SessionServices.h"
 #include "server/storage/SqliteAccountStore.h"
+#include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteDatabase.h"
 
 namespace tavren::server {
@@ -25,6 +29,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     const ServerConfig& config = commandLine.config;
     SqliteDatabase db(config.databasePath);
     SqliteAccountStore accounts(db);
+    SqliteChannelStore channels(db);
     Log::info("database " + config.databasePath.string());
 
     asio::io_context io(1);
@@ -34,10 +39,16 @@ int ServeCommand::run(const CommandLine& commandLine) {
     AccountRequests accountRequests(accounts, passwords);
     MailboxRequests mailbox;
     StatusLineRequests statusLines;
+    RoomService rooms(channels, presence, config.rooms, io.get_executor());
+    ServerCommands serverCommands(rooms, accounts, presence, config.messageOfTheDay,
+                                  config.rooms.maxTopic);
+    RoomRequests roomRequests(rooms, serverCommands, config.rooms);
     FeatureTable features;
     features.add(accountRequests);
     features.add(mailbox);
     features.add(statusLines);
+    features.add(roomRequests);
+    rooms.start();
 
     const SessionServices services{config, accounts, presence, passwords, features};
     Server server(io, config, [&services](ClientLink& link, std::weak_ptr<ClientLink> shared) {
@@ -49,7 +60,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
             Log::info("stopping on signal " + std::to_string(signal));
             // Password work queued behind a stopping server is skipped, not waited for.
             passwords.shutDown();
-            server.stop();
+            server.stop();  // every member leaves every channel on the way out
+            rooms.stop();
         }
     });
     server.start();

@@ -14,6 +14,8 @@ inline constexpr protocol::CodePair kLoginResult{protocol::kLoginResultGroup, 1}
 inline constexpr protocol::CodePair kSignUpResult{protocol::kLoginResultGroup, 2};
 // Every notice the client shows with the title "Attention!".
 inline constexpr protocol::CodePair kNotice{protocol::kNoticeGroup, 1};
+// The message of the day: a notice of its own, so that the client can show it in its news pane.
+inline constexpr protocol::CodePair kMessageOfTheDay{protocol::kNoticeGroup, 2};
 
 inline constexpr std::string_view kNotRegistered = "Nickname not registered!";
 inline constexpr std::string_view kAccountCreationError = "Account Creation Error!";

@@ -5,11 +5,29 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "core/protocol/Frame.h"
 #include "server/base/VersionNumber.h"
 
 namespace tavren::server {
+
+// The bounds of channels. Each is a command-line option; the defaults are the documented ones.
+struct RoomLimits {
+    // Always there, whoever is in them; "--channel NAME" adds more.
+    std::vector<std::string> officialChannels{"General", "Tavren General Chat"};
+    std::size_t maxLine = 2048;  // bytes of one channel line
+    std::size_t maxTopic = 200;  // bytes
+    std::size_t maxChannelsPerMember = 20;
+    // Caps the member list too: 40,000 names with their marks still fit one payload.
+    std::size_t maxChannelMembers = 2000;
+    std::size_t maxHostedChannels = 5;  // member channels one account may host
+    int channelExpiryDays = 30;         // a member channel empty this long is removed
+    // The line bucket each member has, and the meter the client is told about: this many lines
+    // in hand, one more per interval.
+    int floodLines = 10;
+    std::chrono::milliseconds floodInterval{1000};
+};
 
 // Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
 // tests shrink the intervals so that time-outs happen in a fraction of a second.
@@ -53,8 +71,10 @@ struct ServerConfig {
     VersionNumber latestVersion{1, 0, 0};
     std::string updateUrl;
 
-    // Shown to every member after login when not empty.
+    // Shown to every member after login when not empty, and on "/motd".
     std::string messageOfTheDay;
+
+    RoomLimits rooms;
 };
 
 }  // namespace tavren::server

@@ -162,7 +162,10 @@ asio::awaitable<void> SessionHandler::onCredentials(const std::string& payload) 
 
 void SessionHandler::onLoginConfirmed() {
     stage_ = Stage::kLoggedIn;
-    Member& member = member_.emplace(std::move(*pendingAccount_), link_, nextSessionId(), ended_);
+    const RoomLimits& limits = services_.config.rooms;
+    Member& member = member_.emplace(
+        std::move(*pendingAccount_), link_, nextSessionId(), ended_,
+        LineBucket(limits.floodLines, limits.floodInterval, LineBucket::Clock::now()));
     pendingAccount_.reset();
     const std::string& name = member.name();
     link_.send(out::kLoginAccepted, name);
@@ -180,7 +183,7 @@ void SessionHandler::onLoginConfirmed() {
     link_.send(out::kScore, std::to_string(member.account.score));
     services_.features.memberArrived(member);
     if (!services_.config.messageOfTheDay.empty()) {
-        link_.send(replies::kNotice, services_.config.messageOfTheDay);
+        link_.send(replies::kMessageOfTheDay, services_.config.messageOfTheDay);
     }
     Log::info(name + " logged in from " + link_.peerAddress());
 }

@@ -22,7 +22,8 @@ TEST(CommandLineTest, NonsenseIsRefusedWithAReason) {
          {"--listen 5678", "--listen host:99999", "--listen :5678", "--ping-interval 0",
           "--ping-interval nan", "--ping-interval 1e9", "--max-payload 2000000",
           "--min-version 1.2", "--db", "--no-such-option 1", "account add Alice",
-          "account remove Alice pw", "--staff 2", "account add A pw12 --staff 4", "stray"}) {
+          "account remove Alice pw", "--staff 2", "account add A pw12 --staff 4", "stray",
+          "--max-channel-members 40001", "--channel @Staff", "--flood-interval 0"}) {
         std::istringstream words(line);
         std::vector<std::string> arguments;
         for (std::string word; words >> word;) {
@@ -30,6 +31,14 @@ TEST(CommandLineTest, NonsenseIsRefusedWithAReason) {
         }
         EXPECT_THROW(CommandLine::parse(arguments), CommandLineError) << line;
     }
+}
+
+TEST(CommandLineTest, OfficialChannelsAddUpWithoutDuplicatesInAnyCase) {
+    const auto line = CommandLine::parse({"--channel", "Help Desk", "--channel", "GENERAL",
+                                          "--channel", "help desk", "--max-line", "100"});
+    EXPECT_EQ(line.config.rooms.officialChannels,
+              (std::vector<std::string>{"General", "Tavren General Chat", "Help Desk"}));
+    EXPECT_EQ(line.config.rooms.maxLine, 100u);
 }
 
 TEST(VersionNumberTest, ParsesOnlyThreeNumbersAndOrdersThemNumerically) {

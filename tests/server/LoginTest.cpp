@@ -45,6 +45,7 @@ TEST_F(LoginTest, SignUpRefusesBadFieldsThenCreatesOneAccountToLogInWith) {
     EXPECT_EQ(client->expect(out::kSessionSettings).payload, "NewUser;General");
     EXPECT_EQ(client->expect(out::kOnlineCount).payload, "1");
     EXPECT_EQ(client->expect(out::kScore).payload, "0");
+    EXPECT_EQ(client->expect(out::kFloodMeters).payload, "10;1000");
     client->send(in::kMailReceive, "Mail-Recv");
     EXPECT_EQ(client->expect(out::kMailList).payload, "");
     client->send(in::kAskEmail, "");
@@ -109,7 +110,7 @@ TEST_F(LoginTest, OnlineCountFollowsLoginsASecondLoginReplacesTheFirstAndStopEnd
     addAccount("bob", "secret2");
     startServer({"--motd", "Welcome to the test server!"});
     auto alice = logIn("alice", "secret1");
-    EXPECT_EQ(alice->expect(kNotice).payload, "Welcome to the test server!");
+    EXPECT_EQ(alice->expect(kMessageOfTheDay).payload, "Welcome to the test server!");
     {
         auto bob = logIn("bob", "secret2");
         EXPECT_EQ(alice->expect(out::kOnlineCount).payload, "2");
@@ -122,7 +123,7 @@ TEST_F(LoginTest, OnlineCountFollowsLoginsASecondLoginReplacesTheFirstAndStopEnd
               std::string::npos);
     EXPECT_TRUE(alice->waitClosed());
     again->send(in::kAskEmail, "");
-    again->expect(kNotice);  // the message of the day, then the answer
+    again->expect(kMessageOfTheDay);  // the message of the day, then the answer
     again->expect(out::kAccountInfo);
 
     // A signal ends every link, logged in or not, and the server exits 0.

@@ -7,6 +7,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "core/protocol/Catalogue.h"
@@ -55,6 +56,9 @@ std::optional<protocol::Frame> RawClient::next(std::chrono::milliseconds timeout
             return std::nullopt;
         }
         if (cut.kind == protocol::CutResult::Kind::kFrame) {
+            if (std::find(ignored_.begin(), ignored_.end(), cut.frame.code) != ignored_.end()) {
+                continue;
+            }
             if (cut.frame.code != protocol::server_to_client::kPing) {
                 return std::move(cut.frame);
             }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/protocol/CodePair.h"
 #include "core/protocol/Frame.h"
@@ -36,11 +37,15 @@ class RawClient {
     bool waitClosed(std::chrono::milliseconds timeout = std::chrono::seconds(5));
 
     void setAnswerPings(bool answer) { answerPings_ = answer; }
+    // Frames with this code are skipped like pings from now on (the online count, say, which
+    // arrives whenever anybody logs in or out).
+    void ignore(protocol::CodePair code) { ignored_.push_back(code); }
     int pingsSeen() const { return pingsSeen_; }
 
   private:
     int fd_ = -1;
     protocol::FrameCutter cutter_;
+    std::vector<protocol::CodePair> ignored_;
     bool answerPings_ = true;
     bool closed_ = false;
     int pingsSeen_ = 0;

@@ -54,7 +54,21 @@ std::unique_ptr<RawClient> ServerFixture::logIn(const std::string& name,
     client->expect(out::kSessionSettings);
     client->expect(out::kOnlineCount);
     client->expect(out::kScore);
+    lastFloodMeters_ = client->expect(out::kFloodMeters).payload;
     return client;
+}
+
+std::unique_ptr<RawClient> ServerFixture::member(const std::string& name) {
+    auto client = logIn(name, "secret1");
+    client->ignore(out::kOnlineCount);
+    client->ignore(kMessageOfTheDay);
+    return client;
+}
+
+void ServerFixture::addMembers(std::initializer_list<const char*> names) {
+    for (const char* name : names) {
+        addAccount(name, "secret1");
+    }
 }
 
 }  // namespace tavren::test

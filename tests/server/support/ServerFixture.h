@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,6 +21,7 @@ namespace out = protocol::server_to_client;
 inline constexpr protocol::CodePair kLoginResult{3, 1};
 inline constexpr protocol::CodePair kSignUpResult{3, 2};
 inline constexpr protocol::CodePair kNotice{4, 1};
+inline constexpr protocol::CodePair kMessageOfTheDay{4, 2};
 
 // A real tavrend on an ephemeral port with a database in the test's own data root, and helpers
 // for the handshake. The server must stop cleanly (exit 0) at the end of every test; its log is
@@ -37,12 +39,18 @@ class ServerFixture : public ::testing::Test {
     std::unique_ptr<RawClient> connect(int receiveBuffer = 0);
     // Connected and past the version check: the server waits for credentials.
     std::unique_ptr<RawClient> greet(const std::string& version = "1.0.0", int receiveBuffer = 0);
-    // Runs the whole login handshake and checks every answer up to the score.
+    // Runs the whole login handshake and checks every answer up to the line meter (the message of
+    // the day, when there is one, comes after it).
     std::unique_ptr<RawClient> logIn(const std::string& name, const std::string& password);
+    // Logged in with the password "secret1" and deaf to what every member hears at every login
+    // (the online count, the message of the day), so that a test reads only what it is about.
+    std::unique_ptr<RawClient> member(const std::string& name);
+    void addMembers(std::initializer_list<const char*> names);
 
     const std::filesystem::path folder_{std::getenv("TAVREN_HOME")};
     const std::filesystem::path database_ = folder_ / "tavrend.db";
     std::unique_ptr<TavrendProcess> server_;
+    std::string lastFloodMeters_;  // the (2, 16) payload of the latest login
 };
 
 }  // namespace tavren::test

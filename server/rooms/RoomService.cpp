@@ -1,0 +1,375 @@
+#include "server/rooms/RoomService.h"
+
+#include <algorithm>
+#include <chrono>
+
+#include "core/protocol/Catalogue.h"
+#include "server/base/AsciiText.h"
+#include "server/base/Log.h"
+#include "server/base/Replies.h"
+#include "server/net/PresenceHub.h"
+#include "server/rooms/ChannelRules.h"
+#include "server/rooms/ChannelStore.h"
+#include "server/rooms/MemberRank.h"
+#include "server/session/Member.h"
+
+namespace tavren::server {
+
+namespace out = protocol::server_to_client;
+
+namespace {
+
+constexpr std::chrono::hours kSweepInterval{1};
+// Below this many members a channel's list goes out on every change.
+constexpr std::size_t kListThrottleFrom = 64;
+constexpr std::string_view kServerSender = "**ChanHost";
+
+// How long a channel of `members` members waits between two member lists: the bytes of one list
+// grow with the members, and so does the number of receivers.
+std::chrono::steady_clock::duration listWindow(std::size_t members) {
+    if (members < kListThrottleFrom) {
+        return {};
+    }
+    return std::chrono::microseconds(static_cast<std::int64_t>(members * members));
+}
+
+// The sender field of a relayed line: the name, then the member's nickname format after U+0001.
+// A format saved before ":" was refused would split the line in the wrong place, so it is left
+// out rather than sent.
+std::string senderField(const Member& sender) {
+    const std::string& format = sender.account.nicknameFormat;
+    if (format.empty() || format.find(':') != std::string::npos) {
+        return sender.name();
+    }
+    return sender.name() + "\x01" + format;
+}
+
+}  // namespace
+
+RoomService::RoomService(ChannelStore& store, PresenceHub& hub, const RoomLimits& limits,
+                         asio::any_io_executor executor)
+    : store_(store),
+      hub_(hub),
+      limits_(limits),
+      executor_(std::move(executor)),
+      sweepTimer_(executor_) {}
+
+std::int64_t RoomService::unixNow() {
+    return std::chrono::duration_cast<std::chrono::seconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+void RoomService::start() {
+    store_.setOfficial(limits_.officialChannels, unixNow());
+    removeExpired();
+    scheduleSweep();
+}
+
+void RoomService::stop() {
+    stopped_ = true;
+    sweepTimer_.cancel();
+    for (auto& [key, channel] : active_) {
+        if (channel->listTimer) {
+            channel->listTimer->cancel();
+        }
+    }
+}
+
+void RoomService::scheduleSweep() {
+    sweepTimer_.expires_after(kSweepInterval);
+    sweepTimer_.async_wait([this](const asio::error_code& error) {
+        if (error || stopped_) {
+            return;
+        }
+        try {
+            removeExpired();
+        } catch (const std::exception& failure) {
+            Log::warn(std::string("clearing expired channels failed: ") + failure.what());
+        }
+        scheduleSweep();
+    });
+}
+
+void RoomService::removeExpired() {
+    const std::int64_t now = unixNow();
+    // Channels in use are not expiring, however long ago they were emptied last; saying so in
+    // the store keeps them safe even if the server stops without their members leaving.
+    for (const auto& [key, channel] : active_) {
+        if (!channel->channel.official) {
+            store_.setLastUsed(channel->channel.id, now);
+        }
+    }
+    const std::int64_t cutoff = now - std::int64_t{limits_.channelExpiryDays} * 24 * 3600;
+    std::size_t removed = 0;
+    for (const Channel& channel : store_.unusedSince(cutoff)) {
+        if (!active_.contains(AsciiText::lower(channel.name))) {
+            store_.remove(channel.id);
+            ++removed;
+        }
+    }
+    if (removed > 0) {
+        Log::info("removed " + std::to_string(removed) + " expired channels");
+    }
+}
+
+void RoomService::join(Member& member, std::string_view requestedName) {
+    const std::string_view name = AsciiText::trimBlanks(requestedName);
+    const std::string key = AsciiText::lower(name);
+    const std::string memberKey = AsciiText::lower(member.name());
+    MemberChannels& mine = memberChannels_[memberKey];
+    if (mine.sessionId != member.sessionId) {
+        // Whatever an earlier login of this account left behind is gone with that login.
+        for (const std::string& stale : std::exchange(mine.keys, {})) {
+            removeMember(stale, memberKey);
+        }
+        mine.sessionId = member.sessionId;
+    }
+    if (ActiveChannel* channel = channelOf(member, name)) {
+        answerJoin(member, *channel, true);
+        return;
+    }
+    if (mine.keys.size() >= limits_.maxChannelsPerMember) {
+        refuseJoin(member, name,
+                   "you are in " + std::to_string(mine.keys.size()) +
+                       " channels already; leave one first.");
+        return;
+    }
+    ActiveChannel* channel = activate(member, name, key);
+    if (channel == nullptr) {
+        return;
+    }
+    if (channel->members.size() >= limits_.maxChannelMembers) {
+        refuseJoin(member, name, "the channel is full.");
+        return;
+    }
+    channel->members[memberKey] = ChannelMember{member.name(), member.account.id,
+                                                member.account.staffLevel, member.sessionId};
+    channel->names.push_back(member.name());
+    memberChannels_[memberKey].keys.push_back(key);
+    answerJoin(member, *channel, false);
+}
+
+ActiveChannel* RoomService::activate(Member& member, std::string_view name,
+                                     const std::string& key) {
+    if (const auto found = active_.find(key); found != active_.end()) {
+        return found->second.get();
+    }
+    std::optional<Channel> stored;
+    if (!name.empty() && name.size() <= ChannelRules::kMaxOfficialNameLength) {
+        stored = store_.findByName(name);
+    }
+    if (!stored) {
+        if (const std::string problem = ChannelRules::checkName(name); !problem.empty()) {
+            refuseJoin(member, name, problem);
+            return nullptr;
+        }
+        if (store_.countHostedBy(member.account.id) >= limits_.maxHostedChannels) {
+            refuseJoin(member, name,
+                       "you host " + std::to_string(limits_.maxHostedChannels) +
+                           " channels already, the most one member may.");
+            return nullptr;
+        }
+        Channel created;
+        created.name = std::string(name);
+        created.hostId = member.account.id;
+        created.createdAt = created.lastUsedAt = unixNow();
+        if (store_.create(created)) {
+            Log::info(member.name() + " created the channel " + Log::quoted(created.name));
+            stored = std::move(created);
+        } else {
+            stored = store_.findByName(name);  // taken meanwhile by another server
+            if (!stored) {
+                return nullptr;
+            }
+        }
+    }
+    auto channel = std::make_unique<ActiveChannel>();
+    channel->channel = std::move(*stored);
+    return active_.emplace(key, std::move(channel)).first->second.get();
+}
+
+void RoomService::refuseJoin(Member& member, std::string_view name, std::string_view why) {
+    Log::info(member.name() + " cannot join " + Log::quoted(name) + ": " + std::string(why));
+    member.link.send(replies::kNotice,
+                     "You cannot join \"" + ChannelRules::echo(name) + "\": " + std::string(why));
+    // A channel activated for this join but not joined goes back to the store.
+    const auto key = AsciiText::lower(AsciiText::trimBlanks(name));
+    if (const auto found = active_.find(key);
+        found != active_.end() && found->second->members.empty()) {
+        active_.erase(found);
+    }
+}
+
+void RoomService::answerJoin(Member& member, ActiveChannel& channel, bool nothingChanged) {
+    member.link.send(out::kJoinedRoom, channel.channel.name);
+    if (nothingChanged) {
+        // A client that lost track gets its tab back; nobody else hears of it.
+        member.link.send(out::kMemberList, listPayload(channel));
+    } else {
+        membersChanged(channel, &member);
+    }
+    if (!channel.channel.topic.empty()) {
+        tellMember(member, channel, "Topic: " + channel.channel.topic);
+    }
+}
+
+void RoomService::leave(Member& member, std::string_view requestedName) {
+    const ActiveChannel* channel = channelOf(member, AsciiText::trimBlanks(requestedName));
+    if (channel == nullptr) {
+        return;  // not in it: nothing to do
+    }
+    const std::string key = AsciiText::lower(channel->channel.name);
+    const std::string memberKey = AsciiText::lower(member.name());
+    auto& keys = memberChannels_[memberKey].keys;
+    keys.erase(std::remove(keys.begin(), keys.end(), key), keys.end());
+    removeMember(key, memberKey);
+}
+
+void RoomService::leaveAll(Member& member) {
+    const std::string memberKey = AsciiText::lower(member.name());
+    const auto mine = memberChannels_.find(memberKey);
+    if (mine == memberChannels_.end() || mine->second.sessionId != member.sessionId) {
+        return;  // a later login owns whatever is there
+    }
+    const std::vector<std::string> keys = std::move(mine->second.keys);
+    memberChannels_.erase(mine);
+    for (const std::string& key : keys) {
+        removeMember(key, memberKey);
+    }
+}
+
+void RoomService::removeMember(const std::string& channelKey, const std::string& memberKey) {
+    const auto found = active_.find(channelKey);
+    if (found == active_.end()) {
+        return;
+    }
+    ActiveChannel& channel = *found->second;
+    const auto member = channel.members.find(memberKey);
+    if (member == channel.members.end()) {
+        return;
+    }
+    const std::string name = member->second.name;
+    channel.members.erase(member);
+    if (const auto listed = std::find(channel.names.begin(), channel.names.end(), name);
+        listed != channel.names.end()) {
+        channel.names.erase(listed);
+    }
+    if (!channel.members.empty()) {
+        membersChanged(channel, nullptr);
+        return;
+    }
+    // Empty: back to the store, which counts the expiry time from now.
+    if (!channel.channel.official) {
+        store_.setLastUsed(channel.channel.id, unixNow());
+    }
+    if (channel.listTimer) {
+        channel.listTimer->cancel();
+    }
+    active_.erase(found);
+}
+
+ActiveChannel* RoomService::channelOf(const Member& member, std::string_view name) {
+    const auto found = active_.find(AsciiText::lower(name));
+    if (found == active_.end()) {
+        return nullptr;
+    }
+    const auto& members = found->second->members;
+    const auto entry = members.find(AsciiText::lower(member.name()));
+    return entry != members.end() && entry->second.sessionId == member.sessionId
+               ? found->second.get()
+               : nullptr;
+}
+
+void RoomService::membersChanged(ActiveChannel& channel, Member* joiner) {
+    const auto now = std::chrono::steady_clock::now();
+    const auto window = listWindow(channel.members.size());
+    if (!channel.listPending && now - channel.listSentAt >= window) {
+        sendListToAll(channel);
+        return;
+    }
+    if (joiner != nullptr) {
+        joiner->link.send(out::kMemberList, listPayload(channel));
+    }
+    if (channel.listPending) {
+        return;  // the list that is due will carry this change too
+    }
+    channel.listPending = true;
+    if (!channel.listTimer) {
+        channel.listTimer = std::make_unique<asio::steady_timer>(executor_);
+    }
+    channel.listTimer->expires_at(channel.listSentAt + window);
+    const std::string key = AsciiText::lower(channel.channel.name);
+    const ActiveChannel* expected = &channel;
+    channel.listTimer->async_wait([this, key, expected](const asio::error_code& error) {
+        const auto found = active_.find(key);
+        if (error || stopped_ || found == active_.end() || found->second.get() != expected) {
+            return;
+        }
+        sendListToAll(*found->second);
+    });
+}
+
+void RoomService::sendListToAll(ActiveChannel& channel) {
+    channel.listPending = false;
+    channel.listSentAt = std::chrono::steady_clock::now();
+    hub_.sendTo(channel.names, out::kMemberList, listPayload(channel));
+}
+
+std::string RoomService::listPayload(const ActiveChannel& channel) const {
+    std::vector<ListedMember> listed;
+    listed.reserve(channel.members.size());
+    const bool hosted = !channel.channel.official && channel.channel.hostId != 0;
+    for (const auto& [key, member] : channel.members) {
+        listed.push_back(
+            {member.name,
+             RankOf(member.staffLevel, hosted && member.accountId == channel.channel.hostId)});
+    }
+    return MemberListPayload(channel.channel.name, listed);
+}
+
+void RoomService::relay(const ActiveChannel& channel, const Member& sender, std::string_view text) {
+    std::string payload = channel.channel.name;
+    payload += ':';
+    payload += senderField(sender);
+    payload += ':';
+    payload += text;
+    hub_.sendTo(channel.names, out::kChannelHostMessage, payload);
+}
+
+void RoomService::tellMember(const Member& member, const ActiveChannel& channel,
+                             std::string_view text) {
+    member.link.send(
+        out::kChannelHostMessage,
+        channel.channel.name + ":" + std::string(kServerSender) + ":" + std::string(text));
+}
+
+void RoomService::tellChannel(const ActiveChannel& channel, std::string_view text) {
+    hub_.sendTo(channel.names, out::kChannelHostMessage,
+                channel.channel.name + ":" + std::string(kServerSender) + ":" + std::string(text));
+}
+
+void RoomService::setTopic(ActiveChannel& channel, const std::string& topic) {
+    store_.setTopic(channel.channel.id, topic);
+    channel.channel.topic = topic;
+}
+
+std::vector<std::string> RoomService::channelsOf(std::string_view memberName) const {
+    std::vector<std::string> names;
+    const auto mine = memberChannels_.find(AsciiText::lower(memberName));
+    if (mine == memberChannels_.end()) {
+        return names;
+    }
+    for (const std::string& key : mine->second.keys) {
+        if (const auto found = active_.find(key); found != active_.end()) {
+            names.push_back(found->second->channel.name);
+        }
+    }
+    return names;
+}
+
+std::size_t RoomService::channelCount() {
+    return store_.count();
+}
+
+}  // namespace tavren::server
