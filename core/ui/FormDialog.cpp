@@ -27,6 +27,8 @@ FormDialog::FormDialog(const QString& objectName, const QString& title, QWidget*
     problem_->setObjectName(QStringLiteral("problem"));
     problem_->setStyleSheet(QStringLiteral("color: #b00000"));
     problem_->setWordWrap(true);
+    // Takes room only when there is something to say.
+    problem_->hide();
     connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
     okButton()->setDefault(true);
@@ -41,6 +43,7 @@ FormDialog::FormDialog(const QString& objectName, const QString& title, QWidget*
 
 void FormDialog::showProblem(const QString& problem) {
     problem_->setText(problem);
+    problem_->setVisible(!problem.isEmpty());
 }
 
 QLineEdit* FormDialog::addField(const QString& label, const QString& objectName, bool secret,

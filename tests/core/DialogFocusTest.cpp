@@ -82,10 +82,12 @@ TEST_F(DialogFocusTest, AccountFormsStartAtTheFirstEmptyFieldAndTabDownTheForm) 
     EXPECT_EQ(tabCycle(password),
               (QStringList{"currentPassword", "newPassword", "confirmPassword", "OK", "Cancel"}));
     // Enter presses OK, which says what is missing and keeps the dialog open.
+    const auto* problem = password.findChild<QLabel*>(QStringLiteral("problem"));
+    EXPECT_FALSE(problem->isVisible()) << "no empty line where nothing is wrong";
     pressEnter(password.focusWidget());
     EXPECT_TRUE(password.isVisible());
-    EXPECT_EQ(password.findChild<QLabel*>(QStringLiteral("problem"))->text(),
-              QStringLiteral("Please enter your current password."));
+    EXPECT_TRUE(problem->isVisible());
+    EXPECT_EQ(problem->text(), QStringLiteral("Please enter your current password."));
 
     AccountEntryDialog add(server().accounts(), 0);
     add.show();
