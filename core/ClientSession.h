@@ -46,6 +46,7 @@ class ClientSession : public QObject {
     AwayStatus& awayStatus() { return awayStatus_; }
     const ChatLineFormatter& formatter() const { return formatter_; }
     RoomSession& rooms() { return rooms_; }
+    const RoomSession& rooms() const { return rooms_; }
 
   private:
     ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,

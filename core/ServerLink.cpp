@@ -87,7 +87,19 @@ void ServerLink::onReadyRead() {
         return;
     }
     readFromSocket();
-    drainFrames();
+    // Frames are handled in a turn of their own, not inside the socket's signal: a socket does
+    // not signal new data again while one of its signals is still being handled, so a handler
+    // that waits there would hear nothing more, pings included.
+    if (!drainScheduled_) {
+        drainScheduled_ = true;
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                drainScheduled_ = false;
+                drainFrames();
+            },
+            Qt::QueuedConnection);
+    }
 }
 
 void ServerLink::readFromSocket() {
@@ -129,6 +141,9 @@ void ServerLink::holdFramesWhileNested() {
 }
 
 void ServerLink::drainFrames() {
+    if (draining_) {
+        return;
+    }
     // The cutter is reset whenever the connection is closed or replaced, so whatever it still
     // holds after a handler returns belongs to the connection that is current now.
     draining_ = true;

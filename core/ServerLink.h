@@ -90,6 +90,7 @@ class ServerLink : public QObject {
     quint16 port_ = 0;
     Ending ending_ = Ending::None;
     bool draining_ = false;
+    bool drainScheduled_ = false;
     // What was cut while a handler was still running (frames, and an error or the tunnel's
     // answer in their turn), in arrival order.
     std::deque<protocol::CutResult> held_;

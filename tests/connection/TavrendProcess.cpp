@@ -62,6 +62,11 @@ void TavrendProcess::stop() {
     log_ += QString::fromUtf8(process_.readAllStandardError());
 }
 
+QString TavrendProcess::log() {
+    log_ += QString::fromUtf8(process_.readAllStandardError());
+    return log_;
+}
+
 bool TavrendProcess::addAccount(const QString& name, const QString& password) {
     QProcess add;
     add.start(binary(), {QStringLiteral("--db"), databasePath_, QStringLiteral("account"),

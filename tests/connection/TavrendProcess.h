@@ -21,7 +21,8 @@ class TavrendProcess {
     quint16 port() const { return port_; }
     // `tavrend --db FILE account add NAME PASSWORD`
     bool addAccount(const QString& name, const QString& password);
-    QString log() const { return log_; }
+    // Everything the server wrote to stderr so far.
+    QString log();
 
     // A helper process must not outlive a test binary that crashed.
     static void endWithParent(QProcess& process);
