@@ -24,6 +24,13 @@ bool AsciiText::equalNoCase(std::string_view a, std::string_view b) {
            });
 }
 
+bool AsciiText::lessNoCase(std::string_view a, std::string_view b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return static_cast<unsigned char>(lowerAscii(x)) <
+               static_cast<unsigned char>(lowerAscii(y));
+    });
+}
+
 std::string_view AsciiText::trimBlanks(std::string_view text) {
     while (!text.empty() && text.front() == ' ') {
         text.remove_prefix(1);

@@ -12,6 +12,8 @@ class AsciiText {
   public:
     static std::string lower(std::string_view text);
     static bool equalNoCase(std::string_view a, std::string_view b);
+    // Orders as the lower-case forms would, without making them.
+    static bool lessNoCase(std::string_view a, std::string_view b);
     // Without the blanks (spaces) at either end.
     static std::string_view trimBlanks(std::string_view text);
 };
