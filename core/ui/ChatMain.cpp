@@ -31,6 +31,8 @@
 #include "core/ui/ConnectionWindows.h"
 #include "core/ui/MessageBoxPrompter.h"
 #include "core/ui/ToolBarIcons.h"
+#include "render/ui/ChatNickFormat.h"
+#include "rooms/ui/ChatRoom.h"
 
 namespace tavren {
 
@@ -84,7 +86,9 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     }
 }
 
-ChatMain::~ChatMain() = default;
+ChatMain::~ChatMain() {
+    delete roomWindow_;
+}
 
 QAction* ChatMain::addCommand(QMenu* menu, const QString& name, const QString& caption,
                               bool available) {
@@ -114,13 +118,14 @@ void ChatMain::buildMenus() {
     connect(addCommand(tavrenMenu, QStringLiteral("mnueditemail"),
                        QStringLiteral("Change &E-mail.."), false),
             &QAction::triggered, windows, &ConnectionWindows::changeEmail);
-    addCommand(tavrenMenu, QStringLiteral("formatnickname"), QStringLiteral("&Nickname Format.."),
-               false);
+    connect(addCommand(tavrenMenu, QStringLiteral("formatnickname"),
+                       QStringLiteral("&Nickname Format.."), false),
+            &QAction::triggered, this, &ChatMain::openNicknameFormat);
     addCommand(tavrenMenu, QStringLiteral("editprofile"), QStringLiteral("Edit P&rofile.."), false);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("config"), QStringLiteral("&Settings.."), true),
             &QAction::triggered, this, [this] { openSettings(); });
-    connect(addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Server C&onsole.."),
+    connect(addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Ser&ver Console.."),
                        true),
             &QAction::triggered, windows, &ConnectionWindows::showConsole);
     tavrenMenu->addSeparator();
@@ -128,7 +133,9 @@ void ChatMain::buildMenus() {
             &QAction::triggered, this, &QWidget::close);
 
     QMenu* chatMenu = menuBar()->addMenu(QStringLiteral("&Chat"));
-    addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."), false);
+    connect(addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."),
+                       false),
+            &QAction::triggered, this, &ChatMain::promptJoinChannel);
     addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false);
     addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false);
     chatMenu->addSeparator();
@@ -324,7 +331,8 @@ void ChatMain::buildTrayIcon() {
 }
 
 void ChatMain::setOnlineLook(bool online) {
-    for (const char* name : {"currentnick", "changepassword", "mnueditemail"}) {
+    for (const char* name :
+         {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
     actions_.value(QStringLiteral("loginoff"))
@@ -359,6 +367,18 @@ void ChatMain::followServerSession() {
     connect(&server, &ServerSession::onlineCountChanged, onlineLabel_, &QLabel::setText);
     connect(&server, &ServerSession::scoreChanged, scoreLabel_, &QLabel::setText);
     connect(&server, &ServerSession::paneClearRequested, pane_, &QTextBrowser::clear);
+    connect(&server, &ServerSession::messageOfTheDay, this, [this](const QString& text) {
+        pane_->setHtml(QStringLiteral("<p><b>Message of the Day</b></p><p>") +
+                       text.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")) +
+                       QStringLiteral("</p>"));
+    });
+    // The room window comes with the first channel and stays for the next.
+    connect(&session_.rooms(), &RoomSession::roomOpened, this, [this] {
+        if (roomWindow_ == nullptr) {
+            roomWindow_ = new ChatRoom(session_, *this, *prompter_, nullptr);
+            roomWindow_->setAttribute(Qt::WA_QuitOnClose, false);
+        }
+    });
     connect(&server.clock(), &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);
 }
 
@@ -426,6 +446,31 @@ void ChatMain::openSettings(ChatConfig::Page page) {
                                          &session_.sounds(), this);
     }
     settingsWindow_->openAt(page);
+}
+
+void ChatMain::promptJoinChannel() {
+    const auto channel = prompter_->askText(QStringLiteral("Enter Channel Name"),
+                                            QStringLiteral("Join Channel"),
+                                            QStringLiteral("Tavren General Chat"));
+    if (channel && !channel->trimmed().isEmpty()) {
+        session_.rooms().join(channel->trimmed());
+    }
+}
+
+void ChatMain::openNicknameFormat() {
+    LoginFlow& login = session_.server().login();
+    // The account data is name ";" staff level ";" format; the format may hold ";" itself.
+    const QString current = login.accountData().section(QLatin1Char(';'), 2);
+    ChatNickFormat dialog(current, login.userName(), session_.dataRoot(), this);
+    if (dialog.exec() == QDialog::Accepted) {
+        session_.server().accountRequests().changeNicknameFormat(dialog.formatText());
+    }
+}
+
+void ChatMain::closeRoomWindow() {
+    if (roomWindow_ != nullptr) {
+        roomWindow_->close();
+    }
 }
 
 void ChatMain::showAbout() {

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "config/ui/ChatConfig.h"
+#include "rooms/RoomCommandHost.h"
 
 class QAction;
 class QLabel;
@@ -17,6 +18,7 @@ class QTreeWidget;
 
 namespace tavren {
 
+class ChatRoom;
 class ClientSession;
 class ConnectionWindows;
 class Prompter;
@@ -24,7 +26,7 @@ class Prompter;
 // The shell: buddy list, news pane, status bar with the away button and connected time, tray
 // icon and main menu. Every menu item carries its command name as object name, so the rest of
 // the program (and the tests) reach it by that name.
-class ChatMain : public QMainWindow {
+class ChatMain : public QMainWindow, public RoomCommandHost {
     Q_OBJECT
   public:
     explicit ChatMain(ClientSession& session, QWidget* parent = nullptr);
@@ -37,7 +39,17 @@ class ChatMain : public QMainWindow {
     ConnectionWindows& connectionWindows() { return *connectionWindows_; }
 
     // Shows the settings window at one of its pages.
-    void openSettings(ChatConfig::Page page = ChatConfig::Page::General);
+    void openSettings(ChatConfig::Page page);
+    // The room window, once the first channel has opened (null before).
+    ChatRoom* roomWindow() const { return roomWindow_; }
+    // Asks for a channel name and joins it ("Join Channel..").
+    void promptJoinChannel();
+
+    // What text commands typed in a channel may open.
+    void openSettings() override { openSettings(ChatConfig::Page::General); }
+    void openNicknameFormat() override;
+    void openAbout() override { showAbout(); }
+    void closeRoomWindow() override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -71,6 +83,7 @@ class ChatMain : public QMainWindow {
     QSystemTrayIcon* tray_ = nullptr;
     ConnectionWindows* connectionWindows_ = nullptr;
     ChatConfig* settingsWindow_ = nullptr;
+    ChatRoom* roomWindow_ = nullptr;
 };
 
 }  // namespace tavren
