@@ -278,6 +278,8 @@ void RoomSession::openRoom(const QString& name) {
     const int index = count() - 1;
     emit roomOpened(index);
     select(index);
+    showLine(index, kMembershipLabel, QStringLiteral("Now talking in ") + name + QLatin1Char('.'),
+             kMembershipColor, kMembershipColor);
 }
 
 void RoomSession::removeRoom(int index) {

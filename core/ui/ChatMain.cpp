@@ -234,7 +234,7 @@ void ChatMain::buildCentralArea() {
     pane_ = new QTextBrowser(splitter);
     pane_->setObjectName(QStringLiteral("pane"));
     pane_->setOpenExternalLinks(true);
-    pane_->setPlainText(QStringLiteral("Loading.."));
+    pane_->setPlaceholderText(QStringLiteral("News and the message of the day appear here."));
 
     splitter->addWidget(buddyArea);
     splitter->addWidget(pane_);
