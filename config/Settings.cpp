@@ -100,6 +100,7 @@ void Settings::load() {
     v.ignorePms = readFlag(G, "ignorepms", v.ignorePms);
     v.ignoreMotd = readFlag(G, "ignoremotd", v.ignoreMotd);
     v.smiles = readFlag(G, "smiles", v.smiles);
+    v.notify = readFlag(G, "notify", v.notify);
     v.autoReconnect = readFlag(G, "autoreconnect", v.autoReconnect);
     autoReconnectArmed_ = v.autoReconnect;
     v.lowerRange = readInt("lower_range", v.lowerRange, SV::PortMin, SV::PortMax);
@@ -153,6 +154,7 @@ bool Settings::save() {
     writeFlag("autojoin", v.autoJoin);
     writeFlag("Tunnel", v.tunnel);
     writeFlag("smiles", v.smiles);
+    writeFlag("notify", v.notify);
     writeFlag("ignorepms", v.ignorePms);
     writeFlag("ignoremotd", v.ignoreMotd);
     writeFlag("timestamp", v.timestamp);

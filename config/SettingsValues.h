@@ -60,6 +60,9 @@ struct SettingsValues {
     bool tunnel = false;  // behind a firewall: direct connections are set up the other way round
     bool timestamp = true;
     bool smiles = true;
+    // Desktop notices (the tray's messages) for private messages and buddies while the
+    // window they belong to is not in front.
+    bool notify = true;
     bool ignorePms = false;
     bool ignoreMotd = false;
     int lowerRange = 2000;  // local ports for direct connections and file transfers

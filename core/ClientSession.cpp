@@ -28,7 +28,10 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       server_(settings_, prompter, options),
       awayStatus_(server_.link()),
       formatter_(LineOptions::fromSettings(settings_.values(), dataRoot)),
-      rooms_(server_, settings_, sounds_, files_.ignore(), files_.perform(), formatter_) {
+      rooms_(server_, settings_, sounds_, files_.ignore(), files_.perform(), formatter_),
+      locator_(server_.link()) {
+    server_.dispatcher().route(protocol::server_to_client::kLocateResult,
+                               [this](const ServerMessage& m) { locator_.onLocateResult(m); });
     // Lines are formatted with the settings of the moment they arrive.
     connect(&settings_, &Settings::changed, this, [this] {
         formatter_.setOptions(LineOptions::fromSettings(settings_.values(), dataRoot_));

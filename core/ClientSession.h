@@ -9,6 +9,7 @@
 #include "config/SoundPlayer.h"
 #include "contacts/DataFiles.h"
 #include "core/AwayStatus.h"
+#include "core/MemberLocator.h"
 #include "core/ServerSession.h"
 #include "render/ChatLineFormatter.h"
 #include "rooms/RoomSession.h"
@@ -47,6 +48,7 @@ class ClientSession : public QObject {
     const ChatLineFormatter& formatter() const { return formatter_; }
     RoomSession& rooms() { return rooms_; }
     const RoomSession& rooms() const { return rooms_; }
+    MemberLocator& locator() { return locator_; }
 
   private:
     ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,
@@ -62,6 +64,7 @@ class ClientSession : public QObject {
     AwayStatus awayStatus_;
     ChatLineFormatter formatter_;
     RoomSession rooms_;
+    MemberLocator locator_;
 };
 
 }  // namespace tavren

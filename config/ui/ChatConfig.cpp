@@ -304,10 +304,17 @@ QWidget* ChatConfig::buildUiOptionsPage() {
     windowLayout->setColumnStretch(1, 1);
     windowLayout->setColumnStretch(2, 1);
 
+    notify_ = checkBox(QStringLiteral("chkNotify"),
+                       tr("Show &desktop notices for private messages and buddies"));
+    notify_->setToolTip(tr("While Tavren is in the background, a private message or a buddy "
+                           "coming online shows a notice beside the tray icon; clicking it "
+                           "opens the conversation."));
+
     auto* layout = new QVBoxLayout;
     layout->addLayout(top, 1);
     layout->addWidget(colorsBox);
     layout->addWidget(windowBox);
+    layout->addWidget(notify_);
     return pageWithLayout(this, layout);
 }
 
@@ -491,6 +498,7 @@ void ChatConfig::populate(const SettingsValues& v) {
     ignorePms_->setChecked(v.ignorePms);
     ignoreMotd_->setChecked(v.ignoreMotd);
     smiles_->setChecked(v.smiles);
+    notify_->setChecked(v.notify);
     autoReconnect_->setChecked(v.autoReconnect);
     lowerRange_->setValue(v.lowerRange);
     upperRange_->setValue(v.upperRange);
@@ -527,6 +535,7 @@ SettingsValues ChatConfig::editedValues() const {
     v.ignorePms = ignorePms_->isChecked();
     v.ignoreMotd = ignoreMotd_->isChecked();
     v.smiles = smiles_->isChecked();
+    v.notify = notify_->isChecked();
     v.autoReconnect = autoReconnect_->isChecked();
     v.lowerRange = lowerRange_->value();
     v.upperRange = upperRange_->value();

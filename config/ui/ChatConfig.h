@@ -135,6 +135,7 @@ class ChatConfig : public QDialog {
     QCheckBox* autoLogin_;
     QCheckBox* autoStart_;
     QCheckBox* smiles_;
+    QCheckBox* notify_;
     QCheckBox* playSounds_;
     QCheckBox* ignorePms_;
     QCheckBox* ignoreMotd_;

@@ -144,7 +144,9 @@ void ChatMain::buildMenus() {
     addCommand(chatMenu, QStringLiteral("readmessages"), QStringLiteral("&Read Messages (0).."),
                false);
     chatMenu->addSeparator();
-    addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."), false);
+    connect(addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."),
+                       false),
+            &QAction::triggered, this, &ChatMain::promptLocateUser);
     addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."), false);
 
     QMenu* buddyMenu = menuBar()->addMenu(QStringLiteral("&Buddies"));
@@ -332,7 +334,8 @@ void ChatMain::buildTrayIcon() {
 
 void ChatMain::setOnlineLook(bool online) {
     for (const char* name :
-         {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname"}) {
+         {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname",
+          "locateuser"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
     actions_.value(QStringLiteral("loginoff"))
@@ -371,6 +374,9 @@ void ChatMain::followServerSession() {
         pane_->setHtml(QStringLiteral("<p><b>Message of the Day</b></p><p>") +
                        text.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")) +
                        QStringLiteral("</p>"));
+    });
+    connect(&session_.locator(), &MemberLocator::located, this, [this](const QString& sentence) {
+        prompter_->message(sentence, QStringLiteral("Locate User"), Prompter::Icon::Information);
     });
     // The room window comes with the first channel and stays for the next.
     connect(&session_.rooms(), &RoomSession::roomOpened, this, [this] {
@@ -454,6 +460,14 @@ void ChatMain::promptJoinChannel() {
                                             QStringLiteral("Tavren General Chat"));
     if (channel && !channel->trimmed().isEmpty()) {
         session_.rooms().join(channel->trimmed());
+    }
+}
+
+void ChatMain::promptLocateUser() {
+    const auto name = prompter_->askText(QStringLiteral("Enter user name:"),
+                                         QStringLiteral("Locate User"), QString());
+    if (name) {
+        session_.locator().locate(*name);
     }
 }
 

@@ -44,6 +44,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ChatRoom* roomWindow() const { return roomWindow_; }
     // Asks for a channel name and joins it ("Join Channel..").
     void promptJoinChannel();
+    // Asks for a member's name and asks the server where the member is ("Locate User..").
+    void promptLocateUser();
 
     // What text commands typed in a channel may open.
     void openSettings() override { openSettings(ChatConfig::Page::General); }
