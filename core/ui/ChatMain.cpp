@@ -128,6 +128,11 @@ void ChatMain::buildMenus() {
     connect(addCommand(tavrenMenu, QStringLiteral("console"), QStringLiteral("Ser&ver Console.."),
                        true),
             &QAction::triggered, windows, &ConnectionWindows::showConsole);
+    // The error window stays in the background for troubles that mend themselves; this is
+    // the way to read it.
+    connect(addCommand(tavrenMenu, QStringLiteral("errorlog"), QStringLiteral("Error Lo&g.."),
+                       true),
+            &QAction::triggered, windows, &ConnectionWindows::showErrors);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("exittavren"), QStringLiteral("E&xit"), true),
             &QAction::triggered, this, &QWidget::close);

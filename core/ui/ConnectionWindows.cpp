@@ -127,6 +127,10 @@ void ConnectionWindows::openEmailDialog(const QString& email) {
     dialog->open();
 }
 
+void ConnectionWindows::showErrors() {
+    bringForward(errors());
+}
+
 void ConnectionWindows::showConsole() {
     bringForward(console());
 }

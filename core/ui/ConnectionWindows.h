@@ -39,6 +39,7 @@ class ConnectionWindows : public QObject {
     void changeEmail();
     // "console"
     void showConsole();
+    void showErrors();
 
   private:
     void openEmailDialog(const QString& email);
