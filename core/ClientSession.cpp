@@ -29,7 +29,9 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       awayStatus_(server_.link()),
       formatter_(LineOptions::fromSettings(settings_.values(), dataRoot)),
       rooms_(server_, settings_, sounds_, files_.ignore(), files_.perform(), formatter_),
-      locator_(server_.link()) {
+      locator_(server_.link()),
+      privateChats_(server_, settings_, sounds_, files_.ignore(), awayStatus_, rooms_, formatter_,
+                    prompter) {
     server_.dispatcher().route(protocol::server_to_client::kLocateResult,
                                [this](const ServerMessage& m) { locator_.onLocateResult(m); });
     // Lines are formatted with the settings of the moment they arrive.

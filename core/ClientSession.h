@@ -11,6 +11,7 @@
 #include "core/AwayStatus.h"
 #include "core/MemberLocator.h"
 #include "core/ServerSession.h"
+#include "pm/PrivateChats.h"
 #include "render/ChatLineFormatter.h"
 #include "rooms/RoomSession.h"
 
@@ -49,6 +50,7 @@ class ClientSession : public QObject {
     RoomSession& rooms() { return rooms_; }
     const RoomSession& rooms() const { return rooms_; }
     MemberLocator& locator() { return locator_; }
+    PrivateChats& privateChats() { return privateChats_; }
 
   private:
     ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,
@@ -65,6 +67,7 @@ class ClientSession : public QObject {
     ChatLineFormatter formatter_;
     RoomSession rooms_;
     MemberLocator locator_;
+    PrivateChats privateChats_;
 };
 
 }  // namespace tavren
