@@ -2,11 +2,14 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QDesktopServices>
+#include <QElapsedTimer>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+
+#include <limits>
 
 #include "core/DataRoot.h"
 #include "render/ui/PaneImageHandler.h"
@@ -144,7 +147,7 @@ void ChatPane::AddChat(const QString& html) {
 void ChatPane::scheduleFlush() {
     if (!flushScheduled_) {
         flushScheduled_ = true;
-        QMetaObject::invokeMethod(this, &ChatPane::flush, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &ChatPane::flushInTurn, Qt::QueuedConnection);
     }
 }
 
@@ -157,11 +160,27 @@ int ChatPane::scrollRatio() const {
 }
 
 void ChatPane::flush() {
+    showWaiting(std::numeric_limits<qint64>::max());
+}
+
+void ChatPane::flushInTurn() {
     flushScheduled_ = false;
+    // Keep each turn of the event loop short however fast lines come: show as much as fits in
+    // the time budget at the speed measured so far, the rest in the next turn. Lines that are
+    // cut away meanwhile are then never laid out at all.
+    showWaiting(qMax<qint64>(1, qint64(FlushBudgetMicroseconds / microsecondsPerCharacter_)));
+    if (!pendingEnds_.empty()) {
+        scheduleFlush();
+    }
+}
+
+void ChatPane::showWaiting(qint64 characterBudget) {
     const bool trimmed = !shown_.empty() && shownStart_ < bodyStart_;
     if (!trimmed && pendingEnds_.empty()) {
         return;
     }
+    QElapsedTimer timer;
+    timer.start();
     // Measured once for the whole batch: nothing in the view changes between the appends of
     // one turn, so each of them would have measured the same.
     const bool following = scrollRatio() >= threshold_;
@@ -169,11 +188,21 @@ void ChatPane::flush() {
     if (trimmed) {
         dropTrimmedPieces(following);
     }
+    qint64 shownCharacters = 0;
     if (!pendingEnds_.empty()) {
         const qint64 from =
             shown_.empty() ? qMax(shownStart_, bodyStart_) : shown_.back().markupEnd;
-        std::vector<qint64> ends;
-        ends.swap(pendingEnds_);
+        // The pieces that fit in the budget (at least one), skipping those already cut away.
+        std::size_t count = 0;
+        qint64 start = from;
+        while (count < pendingEnds_.size() && shownCharacters < characterBudget) {
+            const qint64 end = pendingEnds_[count++];
+            shownCharacters += qMax<qint64>(0, end - qMax(start, bodyStart_));
+            start = end;
+        }
+        const std::vector<qint64> ends(pendingEnds_.begin(),
+                                       pendingEnds_.begin() + qsizetype(count));
+        pendingEnds_.erase(pendingEnds_.begin(), pendingEnds_.begin() + qsizetype(count));
         showPieces(from, ends);
     }
     if (!documentMatchesPieces()) {
@@ -181,6 +210,10 @@ void ChatPane::flush() {
     }
     if (following) {
         scrollToBottom();
+    }
+    if (shownCharacters > 1000) {
+        const double measured = double(timer.nsecsElapsed()) / 1000.0 / double(shownCharacters);
+        microsecondsPerCharacter_ = 0.5 * microsecondsPerCharacter_ + 0.5 * measured;
     }
 }
 
@@ -206,8 +239,10 @@ void ChatPane::dropTrimmedPieces(bool following) {
         // Up to and including the break after the last removed piece: the next piece's first
         // paragraph keeps its own format.
         QTextCursor cursor(document());
+        cursor.beginEditBlock();
         cursor.setPosition(removed, QTextCursor::KeepAnchor);
         cursor.removeSelectedText();
+        cursor.endEditBlock();
     }
     shownStart_ = bodyStart_;
     if (partialEnd >= 0) {
@@ -236,9 +271,10 @@ void ChatPane::dropTrimmedPieces(bool following) {
 
 void ChatPane::showPieces(qint64 from, const std::vector<qint64>& ends) {
     QTextCursor cursor(document());
-    cursor.movePosition(QTextCursor::End);
-    // One edit block: the document is laid out once for the whole batch.
+    // One edit block: the document is laid out once for the whole batch. Opened before the
+    // cursor moves, so that moving it does not lay out the last paragraph to find its x.
     cursor.beginEditBlock();
+    cursor.movePosition(QTextCursor::End);
     qint64 start = from;
     for (const qint64 end : ends) {
         const qint64 shownFrom = qMax(start, bodyStart_);

@@ -50,10 +50,19 @@ class ChatPane : public QTextBrowser {
     void navigate(const QString& aboutPage);
 
     // Appends one paragraph of markup. Lines appended in one turn of the event loop are shown
-    // together when the loop comes round (or at flush()); bodyHtml() has them at once.
+    // together when the loop comes round (or at flush()); bodyHtml() has them at once. When
+    // lines come faster than they can be laid out, each turn shows what fits in about
+    // FlushBudgetMicroseconds and leaves the rest to the next, so the interface never stands
+    // still for long.
     void AddChat(const QString& html);
-    // Shows whatever is still waiting now.
+    // Shows everything still waiting, now.
     void flush();
+    // Whether the document shows all of bodyHtml().
+    bool isUpToDate() const {
+        return pendingEnds_.empty() && (shown_.empty() || shownStart_ >= bodyStart_);
+    }
+
+    static constexpr double FlushBudgetMicroseconds = 16000;
 
     // 16 - AutoScroll.
     void setScrollThreshold(int threshold) { threshold_ = threshold; }
@@ -82,6 +91,8 @@ class ChatPane : public QTextBrowser {
 
     qint64 appendedEnd() const { return bodyStart_ + body_.size(); }
     void scheduleFlush();
+    void flushInTurn();
+    void showWaiting(qint64 characterBudget);
     void dropTrimmedPieces(bool following);
     void showPieces(qint64 from, const std::vector<qint64>& ends);
     void rebuildDocument();
@@ -109,6 +120,8 @@ class ChatPane : public QTextBrowser {
     int threshold_ = DefaultScrollThreshold;
     bool followBottom_ = true;
     qreal documentMargin_ = 4;
+    // Measured cost of showing markup, for the per-turn budget.
+    double microsecondsPerCharacter_ = 0.25;
 };
 
 }  // namespace tavren

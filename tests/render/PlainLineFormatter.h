@@ -2,15 +2,19 @@
 
 // The chat-line formatter written the plain way: every smiley code replaced everywhere in a
 // pass of its own (69 passes), the text split into words and joined again, colours through
-// their hex text. The tests hold ChatLineFormatter to it byte for byte, and the benchmark
-// measures against it.
+// their hex text. Time stamps use the same functions as the real formatter (their own tests
+// pin them down), so that the benchmark compares the text work. The tests hold ChatLineFormatter to
+// it byte for byte, and the benchmark measures against it.
 
 #include <QString>
 #include <QStringList>
 #include <QTime>
 #include <functional>
+#include <utility>
+#include <vector>
 
 #include "render/ChatLineFormatter.h"
+#include "render/ChatTime.h"
 #include "render/LineOptions.h"
 
 namespace tavren::plain {
@@ -28,20 +32,46 @@ inline QString smileyImage(const LineOptions& options, int number) {
     return "<img border='0' src='" + path + "'>";
 }
 
+// The 69 codes in the order of their passes, each with its picture number.
+inline const std::vector<std::pair<QString, int>>& smileyPasses() {
+    static const std::vector<std::pair<QString, int>> passes = [] {
+        std::vector<std::pair<QString, int>> list;
+        for (int n = 10; n <= 53; ++n) {
+            list.emplace_back(";" + QString::number(n), n);
+        }
+        for (int n = 1; n <= 9; ++n) {
+            list.emplace_back(";" + QString::number(n), n);
+        }
+        const std::pair<const char*, int> emoticons[] = {
+            {":-)", 49},  {"=-o", 47},  {"=-O", 47}, {":-\\", 39}, {":-(", 38}, {":-*", 28},
+            {";-)", 53},  {"[=)", 43},  {":-x", 31}, {":-X", 31},  {":-p", 50}, {":-P", 50},
+            {"o:-)", 52}, {"O:-)", 52}, {":-d", 24}, {":-D", 24}};
+        for (const auto& [code, number] : emoticons) {
+            list.emplace_back(QString::fromLatin1(code), number);
+        }
+        return list;
+    }();
+    return passes;
+}
+
+// Each code replaced everywhere, one pass after another. `images` holds the picture markup by
+// number.
+inline void substituteSmileys(const std::vector<QString>& images, QString& text) {
+    for (const auto& [code, number] : smileyPasses()) {
+        text.replace(code, images[std::size_t(number)]);
+    }
+}
+
+inline std::vector<QString> smileyImages(const LineOptions& options) {
+    std::vector<QString> images(54);
+    for (int n = 1; n <= 53; ++n) {
+        images[std::size_t(n)] = smileyImage(options, n);
+    }
+    return images;
+}
+
 inline void substituteSmileys(const LineOptions& options, QString& text) {
-    for (int n = 10; n <= 53; ++n) {
-        text.replace(";" + QString::number(n), smileyImage(options, n));
-    }
-    for (int n = 1; n <= 9; ++n) {
-        text.replace(";" + QString::number(n), smileyImage(options, n));
-    }
-    const std::pair<const char*, int> emoticons[] = {
-        {":-)", 49},  {"=-o", 47},  {"=-O", 47}, {":-\\", 39}, {":-(", 38}, {":-*", 28},
-        {";-)", 53},  {"[=)", 43},  {":-x", 31}, {":-X", 31},  {":-p", 50}, {":-P", 50},
-        {"o:-)", 52}, {"O:-)", 52}, {":-d", 24}, {":-D", 24}};
-    for (const auto& [code, number] : emoticons) {
-        text.replace(QString::fromLatin1(code), smileyImage(options, number));
-    }
+    substituteSmileys(smileyImages(options), text);
 }
 
 inline QString linkify(const QString& text) {
@@ -66,7 +96,7 @@ class PlainLineFormatter {
     using Variant = ChatLineFormatter::Variant;
 
     PlainLineFormatter(LineOptions options, std::function<QTime()> clock)
-        : options_(std::move(options)), clock_(std::move(clock)) {}
+        : options_(std::move(options)), clock_(std::move(clock)), images_(smileyImages(options_)) {}
 
     QString formatLine(Variant variant, const QString& label, QString& text, WinColor nameColor,
                        WinColor textColor, bool boldText, int size) const {
@@ -76,11 +106,10 @@ class PlainLineFormatter {
         QString time;
         if (options_.timestamp) {
             if (variant == Variant::Room) {
-                time =
-                    "<font face='Arial' size='1'>[" + clock_().toString("h:mm:ssap") + "]</font>";
+                time = "<font face='Arial' size='1'>[" + RoomLineTime(clock_()) + "]</font>";
             } else {
-                time = "<font face='Arial' size='" + sizeText + "'>|" +
-                       clock_().toString("h:mm:ss AP") + "|</font>";
+                time = "<font face='Arial' size='" + sizeText + "'>|" + PaneLineTime(clock_()) +
+                       "|</font>";
             }
         }
         QString name = "<font color='" + nameHex + "' face='Arial' size='" + sizeText;
@@ -94,7 +123,7 @@ class PlainLineFormatter {
             name += "'>" + label + "</font>";
         }
         if (options_.smileys) {
-            substituteSmileys(options_, text);
+            substituteSmileys(images_, text);
         }
         const QString linked = linkify(text);
         QString message = "<font color='" + textHex + "' face='Arial' size='" + sizeText + "'>";
@@ -114,6 +143,7 @@ class PlainLineFormatter {
   private:
     LineOptions options_;
     std::function<QTime()> clock_;
+    std::vector<QString> images_;
 };
 
 }  // namespace tavren::plain
