@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QRandomGenerator>
 #include <QScrollBar>
 #include <QTcpServer>
 #include <QTemporaryDir>
@@ -249,6 +250,32 @@ TEST_F(ChatPaneTest, DeeplyNestedTablesDoNotFreezeThePane) {
     letEventsRun();
     EXPECT_TRUE(pane.toPlainText().contains("deep"));
     EXPECT_EQ(pane.document()->lastBlock().text(), "after");
+}
+
+TEST_F(ChatPaneTest, OddMarkupNeverPutsThePaneOutOfStep) {
+    // Stray cells, tables, lists, breaks and cut tags, appended in bursts across many trims:
+    // the pane must always end up showing the kept markup, the last line last.
+    const QStringList pieces = {"<td>",     "</td>", "<tr>", "<table>", "</table>",
+                                "<ul><li>", "</li>", "<br>", "<p>",     "</p>",
+                                "<hr>",     "<div>", "<b>",  "<pre>",   "x y",
+                                "&amp;",    "&",     "<",    ">",       "<img src=nothing>",
+                                "\r\n",     " "};
+    QRandomGenerator random(99);
+    for (int i = 0; i < 1500; ++i) {
+        QString line;
+        for (int k = random.bounded(12); k > 0; --k) {
+            line += pieces.at(random.bounded(pieces.size()));
+        }
+        pane.AddChat(line + QString(random.bounded(400), 'z') + "<p>end" + QString::number(i) +
+                     "</p>");
+        if (random.bounded(20) == 0) {
+            letEventsRun(0);
+        }
+    }
+    pane.flush();
+    EXPECT_TRUE(pane.isUpToDate());
+    EXPECT_LE(pane.bodyHtml().size(), ChatPane::TrimAbove);
+    EXPECT_TRUE(pane.toPlainText().endsWith("end1499"));
 }
 
 TEST_F(ChatPaneTest, PagesSetTheBackgroundAndEmptyThePane) {

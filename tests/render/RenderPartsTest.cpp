@@ -219,5 +219,18 @@ TEST(RenderPartsTest, PaneMarkupGivesBareHexColoursTheirHash) {
     EXPECT_EQ(PaneMarkupForQt("<font color="), "<font color=");
 }
 
+TEST(RenderPartsTest, PaneMarkupDropsTableTagsAfterTheThird) {
+    EXPECT_EQ(
+        PaneMarkupForQt("<table><tr><td>a<table><tr><td>b</td></tr></table></td></tr></table>"),
+        "<table><tr><td>a<table><tr><td>b</td></tr></table></td></tr></table>");
+    // The fourth table and every table tag after it go; their text stays.
+    EXPECT_EQ(PaneMarkupForQt("<table><td><TABLE><td><table><td>< table bgcolor=FF0000><tr><td "
+                              "x='>'>deep</td></table><b>x</b><td>"),
+              "<table><td><TABLE><td><table><td>'>deep<b>x</b>");
+    // Counting "<table" in attribute text too can only drop tags early, never let one through.
+    EXPECT_EQ(PaneMarkupForQt("<b title='<table><table><table>'><table>x"),
+              "<b title='<table><table><table>'>x");
+}
+
 }  // namespace
 }  // namespace tavren
