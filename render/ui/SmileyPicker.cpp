@@ -32,7 +32,7 @@ SmileyPicker::SmileyPicker(const QString& dataRoot, QWidget* parent) : QFrame(pa
         button->setToolTip(toolTipFor(number));
         button->setAccessibleName(toolTipFor(number));
         connect(button, &QToolButton::clicked, this, [this, code] {
-            hide();
+            close();
             emit smileyChosen(code);
         });
         const int index = number - SmileyCodes::First;
