@@ -29,6 +29,7 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       awayStatus_(server_.link()),
       formatter_(LineOptions::fromSettings(settings_.values(), dataRoot)),
       rooms_(server_, settings_, sounds_, files_.ignore(), files_.perform(), formatter_),
+      buddies_(server_, *store_, sounds_),
       locator_(server_.link()),
       privateChats_(server_, settings_, sounds_, files_.ignore(), awayStatus_, rooms_, formatter_,
                     prompter) {

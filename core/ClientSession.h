@@ -7,6 +7,7 @@
 #include "config/Settings.h"
 #include "config/SettingsStore.h"
 #include "config/SoundPlayer.h"
+#include "contacts/BuddyList.h"
 #include "contacts/DataFiles.h"
 #include "core/AwayStatus.h"
 #include "core/MemberLocator.h"
@@ -49,6 +50,7 @@ class ClientSession : public QObject {
     const ChatLineFormatter& formatter() const { return formatter_; }
     RoomSession& rooms() { return rooms_; }
     const RoomSession& rooms() const { return rooms_; }
+    BuddyList& buddies() { return buddies_; }
     MemberLocator& locator() { return locator_; }
     PrivateChats& privateChats() { return privateChats_; }
 
@@ -66,6 +68,7 @@ class ClientSession : public QObject {
     AwayStatus awayStatus_;
     ChatLineFormatter formatter_;
     RoomSession rooms_;
+    BuddyList buddies_;
     MemberLocator locator_;
     PrivateChats privateChats_;
 };

@@ -19,6 +19,11 @@
 
 #include "config/WindowPlacement.h"
 #include "config/ui/ChatConfig.h"
+#include "contacts/BuddyEditor.h"
+#include "contacts/BuddyList.h"
+#include "contacts/ui/BuddyListSetup.h"
+#include "contacts/ui/BuddyTree.h"
+#include "contacts/ui/ChatBuddy.h"
 #include "core/AwayMenuModel.h"
 #include "core/ClientSession.h"
 #include "core/ConnectedClock.h"
@@ -155,10 +160,18 @@ void ChatMain::buildMenus() {
     addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."), false);
 
     QMenu* buddyMenu = menuBar()->addMenu(QStringLiteral("&Buddies"));
-    addCommand(buddyMenu, QStringLiteral("mnuaddbuddy"), QStringLiteral("&Add Buddy.."), false);
-    addCommand(buddyMenu, QStringLiteral("editbuddys"), QStringLiteral("&Edit Buddies.."), false);
-    addCommand(buddyMenu, QStringLiteral("mnusetupb"), QStringLiteral("Buddy List &Setup.."),
-               false);
+    connect(addCommand(buddyMenu, QStringLiteral("mnuaddbuddy"), QStringLiteral("&Add Buddy.."),
+                       false),
+            &QAction::triggered, this,
+            [this] { BuddyEditor::askAndAddTo(session_.buddies(), *prompter_); });
+    connect(addCommand(buddyMenu, QStringLiteral("editbuddys"), QStringLiteral("&Edit Buddies.."),
+                       false),
+            &QAction::triggered, this,
+            [this] { ChatBuddy::open(session_.buddies(), *prompter_, this); });
+    // The setup holds the client's own preferences: it needs no server.
+    connect(addCommand(buddyMenu, QStringLiteral("mnusetupb"),
+                       QStringLiteral("Buddy List &Setup.."), true),
+            &QAction::triggered, this, [this] { BuddyListSetup::open(session_.buddies(), this); });
     buddyMenu->addSeparator();
     connect(addCommand(buddyMenu, QStringLiteral("newaway"), QStringLiteral("&New Away Message.."),
                        false),
@@ -232,9 +245,11 @@ void ChatMain::buildCentralArea() {
     buddyLayout->setContentsMargins(4, 4, 4, 0);
     buddyCaption_ = new QLabel(buddyArea);
     buddyCaption_->setObjectName(QStringLiteral("buddyCaption"));
-    buddyTree_ = new QTreeWidget(buddyArea);
-    buddyTree_->setObjectName(QStringLiteral("buddyTree"));
-    buddyTree_->setHeaderHidden(true);
+    auto* buddyTree = new BuddyTree(session_.buddies(), session_.ignoreList(), buddyArea);
+    connect(buddyTree, &BuddyTree::locateRequested, this,
+            [this](const QString& name) { session_.locator().locate(name); });
+    connect(&session_.buddies(), &BuddyList::captionChanged, buddyCaption_, &QLabel::setText);
+    buddyTree_ = buddyTree;
     buddyLayout->addWidget(buddyCaption_);
     buddyLayout->addWidget(buddyTree_);
 
@@ -341,6 +356,9 @@ void ChatMain::setOnlineLook(bool online) {
     for (const char* name :
          {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname",
           "locateuser"}) {
+        actions_.value(QString::fromLatin1(name))->setEnabled(online);
+    }
+    for (const char* name : {"mnuaddbuddy", "editbuddys"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
     actions_.value(QStringLiteral("loginoff"))

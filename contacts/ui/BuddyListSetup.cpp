@@ -1,0 +1,69 @@
+#include "contacts/ui/BuddyListSetup.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QVBoxLayout>
+
+#include "contacts/BuddyList.h"
+
+namespace tavren {
+
+namespace {
+const QString kObjectName = QStringLiteral("BuddyListSetup");
+}  // namespace
+
+BuddyListSetup::BuddyListSetup(BuddyList& list, QWidget* parent) : QDialog(parent), list_(list) {
+    setObjectName(kObjectName);
+    setWindowTitle(tr("Buddy List Setup"));
+
+    auto* group = new QGroupBox(tr("Buddy list"), this);
+    showOffline_ = new QCheckBox(tr("Show &offline buddies"), group);
+    showOffline_->setObjectName(QStringLiteral("showOffline"));
+    playSounds_ =
+        new QCheckBox(tr("Play a &sound when a buddy comes online or goes offline"), group);
+    playSounds_->setObjectName(QStringLiteral("playSounds"));
+    notifyOnline_ = new QCheckBox(tr("&Tell me when a buddy comes online"), group);
+    notifyOnline_->setObjectName(QStringLiteral("notifyOnline"));
+    auto* groupLayout = new QVBoxLayout(group);
+    groupLayout->addWidget(showOffline_);
+    groupLayout->addWidget(playSounds_);
+    groupLayout->addWidget(notifyOnline_);
+
+    auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    connect(box, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(group);
+    layout->addStretch(1);
+    layout->addWidget(box);
+
+    const BuddyListOptions& options = list_.options();
+    showOffline_->setChecked(options.showOffline);
+    playSounds_->setChecked(options.playSounds);
+    notifyOnline_->setChecked(options.notifyOnline);
+    setMinimumWidth(sizeHint().width());
+}
+
+BuddyListSetup* BuddyListSetup::open(BuddyList& list, QWidget* parent) {
+    auto* dialog = parent == nullptr ? nullptr : parent->findChild<BuddyListSetup*>(kObjectName);
+    if (dialog == nullptr) {
+        dialog = new BuddyListSetup(list, parent);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    dialog->show();
+    dialog->raise();
+    dialog->activateWindow();
+    return dialog;
+}
+
+void BuddyListSetup::accept() {
+    BuddyListOptions options;
+    options.showOffline = showOffline_->isChecked();
+    options.playSounds = playSounds_->isChecked();
+    options.notifyOnline = notifyOnline_->isChecked();
+    list_.setOptions(options);
+    QDialog::accept();
+}
+
+}  // namespace tavren
