@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QHash>
+#include <QMainWindow>
+
+class QAction;
+class QMenu;
+class QPushButton;
+class QStackedWidget;
+class QTabBar;
+
+namespace tavren {
+
+class ClientSession;
+class PmTab;
+class PrivateChats;
+class SmileyPicker;
+
+// The one window that holds every private conversation, one tab each (caption: the other
+// member; tag: the conversation's index, through which its pane and entry box are found). It
+// shows what the private chats hold and hands the member's actions back to them.
+class ChatPM : public QMainWindow {
+    Q_OBJECT
+  public:
+    explicit ChatPM(ClientSession& session, QWidget* parent = nullptr);
+    ~ChatPM() override;
+
+    QTabBar& tabs() { return *tabs_; }
+    // The controls of the conversation at `position` (tab order), or null.
+    PmTab* tab(int position) const;
+    QAction* action(const QString& name) const { return actions_.value(name); }
+    QPushButton* button(const QString& name) const { return buttons_.value(name); }
+    // Sends what the selected conversation's entry box holds, as Enter does.
+    void sendInput();
+    // The tab strip's menu for the conversation at `position`, filled as it would pop up.
+    void fillTabMenu(QMenu& menu, int position);
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    void buildMenus();
+    QWidget* buildButtons();
+    QAction* addCommand(QMenu* menu, const QString& name, const QString& caption);
+    QPushButton* addButton(const QString& name, const QString& caption, const QString& tip,
+                           const char* actionName);
+    void onOpened(int position, bool byMember);
+    void onClosed(int position, int index);
+    void onSelectionChanged(int position);
+    void onUnreadChanged(int position);
+    void onTabClicked(int position);
+    void showTabMenu(const QPoint& at);
+    void showPaneMenu(PmTab* page, const QPoint& panePos);
+    void inviteSelected();
+    void copySelected();
+    void printSelected();
+    void openSmileys(QWidget* anchor);
+    void updateCommands();
+    PmTab* selectedTab() const;
+
+    ClientSession& session_;
+    PrivateChats& chats_;
+    QHash<QString, QAction*> actions_;
+    QHash<QString, QPushButton*> buttons_;
+    QHash<int, PmTab*> tabsByIndex_;
+    QTabBar* tabs_ = nullptr;
+    QStackedWidget* stack_ = nullptr;
+    SmileyPicker* smileys_ = nullptr;
+    bool syncingTabs_ = false;
+};
+
+}  // namespace tavren
