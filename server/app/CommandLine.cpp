@@ -179,6 +179,28 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          [](CommandLine& c, const std::string& v) {
              c.config.rooms.floodInterval = parseSeconds("--flood-interval", v);
          }},
+        {"--max-buddies",
+         [](CommandLine& c, const std::string& v) {
+             // Each buddy is one record in every answer to the list, so the bound stays modest.
+             c.config.contacts.maxBuddies = parseNumber<std::size_t>("--max-buddies", v, 1, 5000);
+         }},
+        {"--max-buddy-folders",
+         [](CommandLine& c, const std::string& v) {
+             c.config.contacts.maxBuddyFolders =
+                 parseNumber<std::size_t>("--max-buddy-folders", v, 1, 1000);
+         }},
+        {"--max-away",
+         [](CommandLine& c, const std::string& v) {
+             c.config.contacts.maxAwayText = parseNumber<std::size_t>("--max-away", v, 1, 10000);
+         }},
+        {"--idle-after",
+         [](CommandLine& c, const std::string& v) {
+             c.config.contacts.idleAfter = parseSeconds("--idle-after", v);
+         }},
+        {"--presence-interval",
+         [](CommandLine& c, const std::string& v) {
+             c.config.contacts.presenceInterval = parseSeconds("--presence-interval", v);
+         }},
         {"--staff",
          [](CommandLine& c, const std::string& v) {
              c.staffLevel = parseNumber<int>("--staff", v, 1, 3);
@@ -267,6 +289,15 @@ Channels ("General" and "Tavren General Chat" always exist):
   --channel-expiry-days N     an empty member channel is removed after this long (default 30)
   --flood-lines N             lines a member may send in a burst (default 10)
   --flood-interval SECONDS    time in which one more line is earned back (default 1)
+
+Private messages share the line length and the line meter with channels. Buddies and presence:
+  --max-buddies N             buddies in one buddy list (default 200)
+  --max-buddy-folders N       folders in one buddy list (default 30)
+  --max-away BYTES            longest away message (default 200)
+  --idle-after SECONDS        a member with no request but typing status for this long is idle
+                              (default 600)
+  --presence-interval SECONDS a member's presence goes to the watchers at most this often; changes
+                              in between go out together at its end (default 1)
 )";
 }
 

@@ -9,7 +9,11 @@
 #include "server/accounts/PasswordWorker.h"
 #include "server/app/CommandLine.h"
 #include "server/base/Log.h"
+#include "server/contacts/BuddyRequests.h"
+#include "server/contacts/LocateRequests.h"
 #include "server/contacts/MailboxRequests.h"
+#include "server/contacts/PresenceService.h"
+#include "server/contacts/PrivateMessageRequests.h"
 #include "server/contacts/StatusLineRequests.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
@@ -20,6 +24,7 @@
 #include "server/session/SessionHandler.h"
 #include "server/session/SessionServices.h"
 #include "server/storage/SqliteAccountStore.h"
+#include "server/storage/SqliteBuddyStore.h"
 #include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteDatabase.h"
 
@@ -30,24 +35,34 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteDatabase db(config.databasePath);
     SqliteAccountStore accounts(db);
     SqliteChannelStore channels(db);
+    SqliteBuddyStore buddies(db);
     Log::info("database " + config.databasePath.string());
 
     asio::io_context io(1);
     LocalPresenceHub presence;
     PasswordWorker passwords;
 
+    PresenceService buddyPresence(presence, config.contacts, io.get_executor());
     AccountRequests accountRequests(accounts, passwords);
     MailboxRequests mailbox;
-    StatusLineRequests statusLines;
-    RoomService rooms(channels, presence, config.rooms, io.get_executor());
+    StatusLineRequests statusLines(buddyPresence, config.contacts.maxAwayText);
+    RoomService rooms(channels, presence, buddyPresence, config.rooms, io.get_executor());
     ServerCommands serverCommands(rooms, accounts, presence, config.messageOfTheDay,
                                   config.rooms.maxTopic);
     RoomRequests roomRequests(rooms, serverCommands, config.rooms);
+    PrivateMessageRequests privateMessages(accounts, presence, config.rooms);
+    LocateRequests locate(accounts, presence, rooms);
+    BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
     FeatureTable features;
     features.add(accountRequests);
     features.add(mailbox);
     features.add(statusLines);
     features.add(roomRequests);
+    features.add(privateMessages);
+    features.add(locate);
+    // After the rooms: the buddy list follows the line meter at login, and a member who leaves
+    // is offline to the watchers before its channels are left (which then tell nobody).
+    features.add(buddyRequests);
     rooms.start();
 
     const SessionServices services{config, accounts, presence, passwords, features};
@@ -60,6 +75,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
             Log::info("stopping on signal " + std::to_string(signal));
             // Password work queued behind a stopping server is skipped, not waited for.
             passwords.shutDown();
+            // Members going offline because the server stops tell nobody: everybody goes.
+            buddyPresence.stop();
             server.stop();  // every member leaves every channel on the way out
             rooms.stop();
         }

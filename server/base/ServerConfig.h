@@ -29,6 +29,19 @@ struct RoomLimits {
     std::chrono::milliseconds floodInterval{1000};
 };
 
+// The bounds of private messages, buddy lists and presence. Private messages share the line
+// length and the line bucket with channels (RoomLimits).
+struct ContactLimits {
+    std::size_t maxBuddies = 200;      // entries of one buddy list
+    std::size_t maxBuddyFolders = 30;  // folders of one buddy list
+    std::size_t maxAwayText = 200;     // bytes of an away message, which goes to every watcher
+    // A member with nothing but pings' answers and typing status for this long is idle.
+    std::chrono::milliseconds idleAfter{600000};
+    // A member's presence goes to the watchers at most once per interval; changes within it go
+    // out as one record at its end, so that nobody can make the server flood their watchers.
+    std::chrono::milliseconds presenceInterval{1000};
+};
+
 // Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
 // tests shrink the intervals so that time-outs happen in a fraction of a second.
 struct ServerConfig {
@@ -75,6 +88,7 @@ struct ServerConfig {
     std::string messageOfTheDay;
 
     RoomLimits rooms;
+    ContactLimits contacts;
 };
 
 }  // namespace tavren::server

@@ -3,6 +3,7 @@
 #include "core/protocol/Catalogue.h"
 #include "core/protocol/Fields.h"
 #include "server/base/Replies.h"
+#include "server/contacts/PresenceService.h"
 #include "server/contacts/StatusCommand.h"
 #include "server/session/Member.h"
 
@@ -28,13 +29,22 @@ asio::awaitable<void> StatusLineRequests::handle(Member& member, protocol::CodeP
             break;
         }
         case StatusCommand::Kind::kAway:
+            // Refused rather than cut: the client keeps its state until the server confirms.
+            if (command.argument.size() > maxAwayText_) {
+                member.link.send(replies::kNotice,
+                                 "You were not set away: an away message holds at most " +
+                                     std::to_string(maxAwayText_) + " characters.");
+                break;
+            }
             member.link.send(out::kAwayMenu,
                              protocol::JoinFields({protocol::kTrueText, command.argument},
                                                   protocol::kListSeparator));
+            presence_.setAway(member, command.argument);
             break;
         case StatusCommand::Kind::kBack:
             member.link.send(out::kAwayMenu, protocol::JoinFields({protocol::kFalseText, ""},
                                                                   protocol::kListSeparator));
+            presence_.setBack(member);
             break;
         case StatusCommand::Kind::kUnknown:
             member.link.send(replies::kNotice,

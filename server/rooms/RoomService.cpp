@@ -11,7 +11,9 @@
 #include "server/rooms/ChannelRules.h"
 #include "server/rooms/ChannelStore.h"
 #include "server/rooms/MemberRank.h"
+#include "server/rooms/MembershipListener.h"
 #include "server/session/Member.h"
+#include "server/session/SenderField.h"
 
 namespace tavren::server {
 
@@ -33,23 +35,13 @@ std::chrono::steady_clock::duration listWindow(std::size_t members) {
     return std::chrono::microseconds(static_cast<std::int64_t>(members * members));
 }
 
-// The sender field of a relayed line: the name, then the member's nickname format after U+0001.
-// A format saved before ":" was refused would split the line in the wrong place, so it is left
-// out rather than sent.
-std::string senderField(const Member& sender) {
-    const std::string& format = sender.account.nicknameFormat;
-    if (format.empty() || format.find(':') != std::string::npos) {
-        return sender.name();
-    }
-    return sender.name() + "\x01" + format;
-}
-
 }  // namespace
 
-RoomService::RoomService(ChannelStore& store, PresenceHub& hub, const RoomLimits& limits,
-                         asio::any_io_executor executor)
+RoomService::RoomService(ChannelStore& store, PresenceHub& hub, MembershipListener& membership,
+                         const RoomLimits& limits, asio::any_io_executor executor)
     : store_(store),
       hub_(hub),
+      membership_(membership),
       limits_(limits),
       executor_(std::move(executor)),
       sweepTimer_(executor_) {}
@@ -146,8 +138,22 @@ void RoomService::join(Member& member, std::string_view requestedName) {
     channel->members[memberKey] = ChannelMember{member.name(), member.account.id,
                                                 member.account.staffLevel, member.sessionId};
     channel->names.push_back(member.name());
-    memberChannels_[memberKey].keys.push_back(key);
+    auto& keys = memberChannels_[memberKey].keys;
+    keys.push_back(key);
     answerJoin(member, *channel, false);
+    if (keys.size() == 1) {
+        tellFirstChannel(member, keys);
+    }
+}
+
+void RoomService::tellFirstChannel(const Member& member, const std::vector<std::string>& keys) {
+    std::string first;
+    if (!keys.empty()) {
+        if (const auto found = active_.find(keys.front()); found != active_.end()) {
+            first = found->second->channel.name;
+        }
+    }
+    membership_.firstChannelChanged(member.name(), member.sessionId, first);
 }
 
 ActiveChannel* RoomService::activate(Member& member, std::string_view name,
@@ -222,8 +228,12 @@ void RoomService::leave(Member& member, std::string_view requestedName) {
     const std::string key = AsciiText::lower(channel->channel.name);
     const std::string memberKey = AsciiText::lower(member.name());
     auto& keys = memberChannels_[memberKey].keys;
+    const bool wasFirst = !keys.empty() && keys.front() == key;
     keys.erase(std::remove(keys.begin(), keys.end(), key), keys.end());
     removeMember(key, memberKey);
+    if (wasFirst) {
+        tellFirstChannel(member, keys);
+    }
 }
 
 void RoomService::leaveAll(Member& member) {
@@ -236,6 +246,9 @@ void RoomService::leaveAll(Member& member) {
     memberChannels_.erase(mine);
     for (const std::string& key : keys) {
         removeMember(key, memberKey);
+    }
+    if (!keys.empty()) {
+        tellFirstChannel(member, {});
     }
 }
 
@@ -331,7 +344,7 @@ std::string RoomService::listPayload(const ActiveChannel& channel) const {
 void RoomService::relay(const ActiveChannel& channel, const Member& sender, std::string_view text) {
     std::string payload = channel.channel.name;
     payload += ':';
-    payload += senderField(sender);
+    payload += SenderField(sender);
     payload += ':';
     payload += text;
     hub_.sendTo(channel.names, out::kChannelHostMessage, payload);

@@ -15,6 +15,7 @@
 namespace tavren::server {
 
 class ChannelStore;
+class MembershipListener;
 class PresenceHub;
 struct Member;
 
@@ -28,8 +29,9 @@ struct Member;
 // second, however fast members come and go. A joiner always gets the current list at once.
 class RoomService {
   public:
-    RoomService(ChannelStore& store, PresenceHub& hub, const RoomLimits& limits,
-                asio::any_io_executor executor);
+    // `membership` hears of every change of a member's first channel.
+    RoomService(ChannelStore& store, PresenceHub& hub, MembershipListener& membership,
+                const RoomLimits& limits, asio::any_io_executor executor);
 
     // Makes the configured channels official, clears expired channels, and clears them again
     // every hour from then on.
@@ -72,10 +74,12 @@ class RoomService {
     void sendListToAll(ActiveChannel& channel);
     std::string listPayload(const ActiveChannel& channel) const;
     void scheduleSweep();
+    void tellFirstChannel(const Member& member, const std::vector<std::string>& keys);
     static std::int64_t unixNow();
 
     ChannelStore& store_;
     PresenceHub& hub_;
+    MembershipListener& membership_;
     const RoomLimits& limits_;
     asio::any_io_executor executor_;
     asio::steady_timer sweepTimer_;

@@ -25,8 +25,13 @@ class FeatureHandler {
                                          std::string payload) = 0;
     // Right after the login answers, before the message of the day.
     virtual void memberArrived(Member& /*member*/) {}
-    // The member's session is over: logged out, dropped, or replaced by a new login.
+    // The member's session is over: logged out, dropped, or replaced by a new login. Features
+    // hear of it in the reverse order of their arrival, so a feature added later (one that may
+    // listen to an earlier one) is done with the member before the earlier one lets go of it.
     virtual void memberLeft(Member& /*member*/) {}
+    // The member sent a request that shows somebody is there: anything but typing status (and
+    // pings' answers, which never get this far). Told before the request is handled.
+    virtual void memberActive(Member& /*member*/) {}
 };
 
 }  // namespace tavren::server

@@ -27,8 +27,14 @@ void FeatureTable::memberArrived(Member& member) const {
 }
 
 void FeatureTable::memberLeft(Member& member) const {
+    for (auto feature = features_.rbegin(); feature != features_.rend(); ++feature) {
+        (*feature)->memberLeft(member);
+    }
+}
+
+void FeatureTable::memberActive(Member& member) const {
     for (FeatureHandler* feature : features_) {
-        feature->memberLeft(member);
+        feature->memberActive(member);
     }
 }
 

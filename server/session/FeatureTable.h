@@ -17,9 +17,11 @@ class FeatureTable {
     // The feature for this code, or nullptr (a feature not built yet: the request is ignored).
     FeatureHandler* find(protocol::CodePair code) const;
 
-    // Told to every feature, in the order they were added.
+    // Told to every feature: arrivals and activity in the order the features were added, leaving
+    // in the reverse order.
     void memberArrived(Member& member) const;
     void memberLeft(Member& member) const;
+    void memberActive(Member& member) const;
 
   private:
     std::unordered_map<protocol::CodePair, FeatureHandler*> routes_;

@@ -91,6 +91,11 @@ asio::awaitable<void> SessionHandler::dispatch(protocol::Frame& frame) {
 
 asio::awaitable<void> SessionHandler::dispatchLoggedIn(protocol::Frame& frame) {
     const protocol::CodePair code = frame.code;
+    // The client sends typing status from its own timer too (text left standing in the box), so
+    // it does not show that somebody is there.
+    if (code != in::kTypingStatus) {
+        services_.features.memberActive(*member_);
+    }
     if (code == in::kAccountRefreshOk) {
         co_return;  // the client's answer to an account refresh; nothing follows from it
     }

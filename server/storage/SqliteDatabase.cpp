@@ -38,6 +38,17 @@ constexpr std::array kSchemaSteps = {
        );
        CREATE INDEX channels_by_host ON channels(host_id);
        CREATE INDEX channels_by_last_use ON channels(last_used_at) WHERE official = 0;)",
+    // A buddy list is its entries in order, each naming an account, so a list always reads back
+    // in the accounts' own spelling. Nobody is anybody's buddy twice.
+    R"(CREATE TABLE buddies (
+           owner_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           position INTEGER NOT NULL,
+           folder TEXT NOT NULL,
+           buddy_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           PRIMARY KEY (owner_id, position),
+           UNIQUE (owner_id, buddy_id)
+       );
+       CREATE INDEX buddies_by_buddy ON buddies(buddy_id);)",
 };
 
 }  // namespace

@@ -40,6 +40,12 @@ SqliteStatement& SqliteStatement::bindNull(int index) {
     return *this;
 }
 
+void SqliteStatement::reset() {
+    // The result of reset repeats the last step's error, which that step has reported already.
+    sqlite3_reset(statement_);
+    sqlite3_clear_bindings(statement_);
+}
+
 bool SqliteStatement::step() {
     const int status = sqlite3_step(statement_);
     if (status == SQLITE_ROW) {

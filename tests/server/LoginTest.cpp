@@ -46,6 +46,7 @@ TEST_F(LoginTest, SignUpRefusesBadFieldsThenCreatesOneAccountToLogInWith) {
     EXPECT_EQ(client->expect(out::kOnlineCount).payload, "1");
     EXPECT_EQ(client->expect(out::kScore).payload, "0");
     EXPECT_EQ(client->expect(out::kFloodMeters).payload, "10;1000");
+    EXPECT_EQ(client->expect(out::kBuddyPresence).payload, ":") << "an empty buddy list";
     client->send(in::kMailReceive, "Mail-Recv");
     EXPECT_EQ(client->expect(out::kMailList).payload, "");
     client->send(in::kAskEmail, "");

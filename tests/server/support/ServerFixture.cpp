@@ -1,5 +1,6 @@
 #include "server/support/ServerFixture.h"
 
+#include <algorithm>
 #include <iostream>
 
 namespace tavren::test {
@@ -55,6 +56,13 @@ std::unique_ptr<RawClient> ServerFixture::logIn(const std::string& name,
     client->expect(out::kOnlineCount);
     client->expect(out::kScore);
     lastFloodMeters_ = client->expect(out::kFloodMeters).payload;
+    lastBuddyList_ = client->expect(out::kBuddyPresence).payload;
+    lastBuddyRecords_.clear();
+    // One record follows for every buddy, and every buddy ends with ":".
+    const auto buddies = std::count(lastBuddyList_.begin(), lastBuddyList_.end(), ':');
+    for (auto i = buddies - (lastBuddyList_ == ":" ? 1 : 0); i > 0; --i) {
+        lastBuddyRecords_.push_back(client->expect(out::kBuddyPresence).payload);
+    }
     return client;
 }
 
