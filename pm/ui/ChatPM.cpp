@@ -31,7 +31,6 @@ namespace tavren {
 ChatPM::ChatPM(ClientSession& session, QWidget* parent)
     : QMainWindow(parent), session_(session), chats_(session.privateChats()) {
     setObjectName(QStringLiteral("ChatPM"));
-    setMinimumSize(440, 340);
 
     auto* central = new QWidget(this);
     auto* layout = new QVBoxLayout(central);
@@ -98,7 +97,9 @@ ChatPM::ChatPM(ClientSession& session, QWidget* parent)
         onOpened(i, false);
     }
     onSelectionChanged(chats_.selected());
-    resize(580, 460);
+    // Never narrower than the row of member buttons, whatever the font.
+    setMinimumSize(minimumSizeHint().expandedTo(QSize(440, 340)));
+    resize(QSize(580, 460).expandedTo(minimumSize()));
 }
 
 ChatPM::~ChatPM() = default;
