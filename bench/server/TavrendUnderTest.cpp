@@ -55,7 +55,8 @@ void TavrendUnderTest::createAccounts(const std::filesystem::path& database, int
 }
 
 TavrendUnderTest::TavrendUnderTest(const std::filesystem::path& binary,
-                                   const std::filesystem::path& folder, int members) {
+                                   const std::filesystem::path& folder, int members,
+                                   const std::vector<std::string>& extraArguments) {
     const auto database = folder / "bench.db";
     const auto logFile = folder / "tavrend.log";
     createAccounts(database, members);
@@ -66,6 +67,7 @@ TavrendUnderTest::TavrendUnderTest(const std::filesystem::path& binary,
         "--frame-rate", "1000000", "--flood-limit", "1000000", "--flood-lines", "1000000",
         "--flood-interval", "0.01", "--max-per-address", "100000", "--queue-limit", "1000000",
         "--ping-interval", "3600", "--login-timeout", "3600", "--max-channel-members", "40000"};
+    arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     std::vector<char*> argv;
     for (std::string& argument : arguments) {
         argv.push_back(argument.data());

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace tavren::bench {
 
@@ -15,8 +16,9 @@ class TavrendUnderTest {
   public:
     static constexpr const char* kPassword = "benchpw1";
 
+    // `extraArguments` go after the ones that open the limits up.
     TavrendUnderTest(const std::filesystem::path& binary, const std::filesystem::path& folder,
-                     int members);
+                     int members, const std::vector<std::string>& extraArguments = {});
     ~TavrendUnderTest();
     TavrendUnderTest(const TavrendUnderTest&) = delete;
     TavrendUnderTest& operator=(const TavrendUnderTest&) = delete;

@@ -199,7 +199,10 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          }},
         {"--presence-interval",
          [](CommandLine& c, const std::string& v) {
-             c.config.contacts.presenceInterval = parseSeconds("--presence-interval", v);
+             // 0 sends every change at once (for measuring the fan-out itself).
+             const double seconds = parseNumber<double>("--presence-interval", v, 0.0, 86400.0);
+             c.config.contacts.presenceInterval =
+                 std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(seconds * 1000)));
          }},
         {"--staff",
          [](CommandLine& c, const std::string& v) {
@@ -297,7 +300,7 @@ Private messages share the line length and the line meter with channels. Buddies
   --idle-after SECONDS        a member with no request but typing status for this long is idle
                               (default 600)
   --presence-interval SECONDS a member's presence goes to the watchers at most this often; changes
-                              in between go out together at its end (default 1)
+                              in between go out together at its end (default 1; 0: at once)
 )";
 }
 
