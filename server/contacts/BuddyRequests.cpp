@@ -1,6 +1,7 @@
 #include "server/contacts/BuddyRequests.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "core/protocol/Catalogue.h"
 #include "server/base/AsciiText.h"
@@ -60,7 +61,7 @@ void BuddyRequests::edit(Member& member, const std::string& payload) {
         refuse(member, parsed.problem);
         return;
     }
-    store_.lookUp(parsed.buddies);
+    lookUp(member, parsed.buddies);
     leaveOutUnknown(member, parsed.buddies);
     save(member, std::move(parsed.buddies));
     presence_.sendList(member);
@@ -97,6 +98,34 @@ void BuddyRequests::add(Member& member, const std::string& payload) {
         save(member, std::move(buddies));
     }
     presence_.sendList(member);
+}
+
+void BuddyRequests::lookUp(const Member& member, std::vector<Buddy>& buddies) {
+    // The client sends its whole list after every change, so most names are on the list already
+    // and known to belong to an account: only the others are looked up.
+    std::unordered_map<std::string, const Buddy*> known;
+    for (const Buddy& buddy : presence_.buddiesOf(member)) {
+        known.emplace(AsciiText::lower(buddy.name), &buddy);
+    }
+    std::vector<Buddy> unknown;
+    std::vector<std::size_t> unknownAt;
+    for (std::size_t i = 0; i < buddies.size(); ++i) {
+        if (const auto found = known.find(AsciiText::lower(buddies[i].name));
+            found != known.end()) {
+            buddies[i].name = found->second->name;
+            buddies[i].accountId = found->second->accountId;
+        } else {
+            unknown.push_back(buddies[i]);
+            unknownAt.push_back(i);
+        }
+    }
+    if (unknown.empty()) {
+        return;
+    }
+    store_.lookUp(unknown);
+    for (std::size_t i = 0; i < unknown.size(); ++i) {
+        buddies[unknownAt[i]] = std::move(unknown[i]);
+    }
 }
 
 void BuddyRequests::leaveOutUnknown(Member& member, std::vector<Buddy>& buddies) {

@@ -31,6 +31,8 @@ class BuddyRequests : public FeatureHandler {
   private:
     void edit(Member& member, const std::string& payload);
     void add(Member& member, const std::string& payload);
+    // Sets the account id and spelling of every buddy whose name belongs to an account.
+    void lookUp(const Member& member, std::vector<Buddy>& buddies);
     // Drops the names that belong to no account, telling the member of the first one.
     void leaveOutUnknown(Member& member, std::vector<Buddy>& buddies);
     void save(Member& member, std::vector<Buddy> buddies);
