@@ -37,6 +37,8 @@
 #include "core/ui/MessageBoxPrompter.h"
 #include "core/ui/ToolBarIcons.h"
 #include "render/ui/ChatNickFormat.h"
+#include "core/ui/DesktopNotices.h"
+#include "pm/ui/ChatPM.h"
 #include "rooms/ui/ChatRoom.h"
 
 namespace tavren {
@@ -58,6 +60,11 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     buildCentralArea();
     buildStatusBar();
     buildTrayIcon();
+    notices_ = new DesktopNotices(
+        session_.settings(), tray_, [] { return QApplication::activeWindow() != nullptr; }, this);
+    connect(notices_, &DesktopNotices::conversationWanted, this, [this](const QString& user) {
+        session_.privateChats().openConversation(user);
+    });
     setOnlineLook(false);
     followServerSession();
 
@@ -93,6 +100,7 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
 
 ChatMain::~ChatMain() {
     delete roomWindow_;
+    delete pmWindow_;
 }
 
 QAction* ChatMain::addCommand(QMenu* menu, const QString& name, const QString& caption,
@@ -149,8 +157,9 @@ void ChatMain::buildMenus() {
     addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false);
     addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false);
     chatMenu->addSeparator();
-    addCommand(chatMenu, QStringLiteral("sendmsg"), QStringLiteral("Send &Private Message.."),
-               false);
+    connect(addCommand(chatMenu, QStringLiteral("sendmsg"),
+                       QStringLiteral("Send &Private Message.."), false),
+            &QAction::triggered, this, &ChatMain::promptPrivateMessage);
     addCommand(chatMenu, QStringLiteral("readmessages"), QStringLiteral("&Read Messages (0).."),
                false);
     chatMenu->addSeparator();
@@ -355,7 +364,7 @@ void ChatMain::buildTrayIcon() {
 void ChatMain::setOnlineLook(bool online) {
     for (const char* name :
          {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname",
-          "locateuser"}) {
+          "locateuser", "sendmsg"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
     for (const char* name : {"mnuaddbuddy", "editbuddys"}) {
@@ -401,6 +410,18 @@ void ChatMain::followServerSession() {
     connect(&session_.locator(), &MemberLocator::located, this, [this](const QString& sentence) {
         prompter_->message(sentence, QStringLiteral("Locate User"), Prompter::Icon::Information);
     });
+    // The conversation window comes with the first conversation, like the room window.
+    PrivateChats& chats = session_.privateChats();
+    connect(&chats, &PrivateChats::conversationOpened, this, [this] {
+        if (pmWindow_ == nullptr) {
+            pmWindow_ = new ChatPM(session_, nullptr);
+            pmWindow_->setAttribute(Qt::WA_QuitOnClose, false);
+        }
+    });
+    connect(&chats, &PrivateChats::messageArrived, this,
+            [this](const QString& user, const QString& text, bool) {
+                notices_->privateMessage(user, text);
+            });
     // The room window comes with the first channel and stays for the next.
     connect(&session_.rooms(), &RoomSession::roomOpened, this, [this] {
         if (roomWindow_ == nullptr) {
@@ -483,6 +504,14 @@ void ChatMain::promptJoinChannel() {
                                             QStringLiteral("Tavren General Chat"));
     if (channel && !channel->trimmed().isEmpty()) {
         session_.rooms().join(channel->trimmed());
+    }
+}
+
+void ChatMain::promptPrivateMessage() {
+    const auto name = prompter_->askText(QStringLiteral("Enter user name:"),
+                                         QStringLiteral("Send Private Message"), QString());
+    if (name && !name->trimmed().isEmpty()) {
+        session_.privateChats().openConversation(name->trimmed());
     }
 }
 

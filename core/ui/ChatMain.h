@@ -18,7 +18,9 @@ class QTreeWidget;
 
 namespace tavren {
 
+class ChatPM;
 class ChatRoom;
+class DesktopNotices;
 class ClientSession;
 class ConnectionWindows;
 class Prompter;
@@ -44,6 +46,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ChatRoom* roomWindow() const { return roomWindow_; }
     // Asks for a channel name and joins it ("Join Channel..").
     void promptJoinChannel();
+    // Asks for a member's name and opens a conversation with them ("Send Private Message..").
+    void promptPrivateMessage();
     // Asks for a member's name and asks the server where the member is ("Locate User..").
     void promptLocateUser();
 
@@ -86,6 +90,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ConnectionWindows* connectionWindows_ = nullptr;
     ChatConfig* settingsWindow_ = nullptr;
     ChatRoom* roomWindow_ = nullptr;
+    ChatPM* pmWindow_ = nullptr;
+    DesktopNotices* notices_ = nullptr;
 };
 
 }  // namespace tavren

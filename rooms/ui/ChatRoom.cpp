@@ -314,10 +314,13 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     ignore->setObjectName(QStringLiteral("ignore"));
     connect(ignore, &QAction::triggered, this, [this, listedName] { ignoreMember(listedName); });
     menu.addSeparator();
-    // Profiles, buddies and private conversations arrive with their own windows.
+    QAction* message = menu.addAction(tr("Send Private &Message"));
+    message->setObjectName(QStringLiteral("sendpm"));
+    connect(message, &QAction::triggered, this,
+            [this, name] { session_.privateChats().openConversation(name); });
+    // Profiles and buddies arrive with their own windows.
     for (const auto& [objectName, caption] :
-         {std::pair{"viewit", tr("View &Profile")}, std::pair{"addbuddy", tr("&Add Buddy")},
-          std::pair{"sendpm", tr("Send Private &Message")}}) {
+         {std::pair{"viewit", tr("View &Profile")}, std::pair{"addbuddy", tr("&Add Buddy")}}) {
         QAction* later = menu.addAction(caption);
         later->setObjectName(QString::fromLatin1(objectName));
         later->setEnabled(false);
