@@ -60,6 +60,10 @@ QString BuddyList::folderCaption(const BuddyFolder& folder) const {
         .arg(folder.buddies.size());
 }
 
+bool BuddyList::online() const {
+    return server_.online();
+}
+
 QString BuddyList::caption() const {
     if (!server_.online()) {
         return QStringLiteral("Buddies (0)");

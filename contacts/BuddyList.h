@@ -45,6 +45,8 @@ class BuddyList : public QObject, public BuddyDirectory {
     QString folderCaption(const BuddyFolder& folder) const;
     // The member's name + "'s Buddylist" while online, "Buddies (0)" offline.
     QString caption() const;
+    // Whether the list is the server's of this session (offline it is empty and edits wait).
+    bool online() const;
 
     const BuddyListOptions& options() const { return options_; }
     // Keeps the options in the settings store; emits optionsChanged().

@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
-#include <QGroupBox>
 #include <QVBoxLayout>
 
 #include "contacts/BuddyList.h"
@@ -17,24 +16,21 @@ BuddyListSetup::BuddyListSetup(BuddyList& list, QWidget* parent) : QDialog(paren
     setObjectName(kObjectName);
     setWindowTitle(tr("Buddy List Setup"));
 
-    auto* group = new QGroupBox(tr("Buddy list"), this);
-    showOffline_ = new QCheckBox(tr("Show &offline buddies"), group);
+    showOffline_ = new QCheckBox(tr("Show &offline buddies"), this);
     showOffline_->setObjectName(QStringLiteral("showOffline"));
     playSounds_ =
-        new QCheckBox(tr("Play a &sound when a buddy comes online or goes offline"), group);
+        new QCheckBox(tr("Play a &sound when a buddy comes online or goes offline"), this);
     playSounds_->setObjectName(QStringLiteral("playSounds"));
-    notifyOnline_ = new QCheckBox(tr("&Tell me when a buddy comes online"), group);
+    notifyOnline_ = new QCheckBox(tr("&Tell me when a buddy comes online"), this);
     notifyOnline_->setObjectName(QStringLiteral("notifyOnline"));
-    auto* groupLayout = new QVBoxLayout(group);
-    groupLayout->addWidget(showOffline_);
-    groupLayout->addWidget(playSounds_);
-    groupLayout->addWidget(notifyOnline_);
 
     auto* box = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
     connect(box, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(box, &QDialogButtonBox::rejected, this, &QDialog::reject);
     auto* layout = new QVBoxLayout(this);
-    layout->addWidget(group);
+    layout->addWidget(showOffline_);
+    layout->addWidget(playSounds_);
+    layout->addWidget(notifyOnline_);
     layout->addStretch(1);
     layout->addWidget(box);
 

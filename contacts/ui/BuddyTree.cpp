@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QPainter>
 #include <memory>
 
 #include "contacts/BuddyList.h"
@@ -36,6 +37,7 @@ BuddyTree::BuddyTree(BuddyList& list, IgnoreList& ignoreList, QWidget* parent)
     connect(&list_, &BuddyList::listChanged, this, &BuddyTree::rebuild);
     connect(&list_, &BuddyList::optionsChanged, this, &BuddyTree::rebuild);
     connect(&list_, &BuddyList::presenceChanged, this, &BuddyTree::refreshBuddy);
+    connect(&list_, &BuddyList::captionChanged, viewport(), qOverload<>(&QWidget::update));
     rebuild();
 }
 
@@ -176,6 +178,26 @@ QMenu* BuddyTree::menuFor(QTreeWidgetItem* item) {
     menu->addSeparator();
     add("game", tr("Game"), false);
     return menu;
+}
+
+QString BuddyTree::emptyText() const {
+    if (topLevelItemCount() > 0) {
+        return QString();
+    }
+    return list_.online() ? tr("No buddies yet. Add one with Buddies > Add Buddy..")
+                          : tr("Log in to see which of your buddies are online.");
+}
+
+void BuddyTree::paintEvent(QPaintEvent* event) {
+    QTreeWidget::paintEvent(event);
+    const QString text = emptyText();
+    if (text.isEmpty()) {
+        return;
+    }
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    const QRect area = viewport()->rect().adjusted(8, 8, -8, -8);
+    painter.drawText(area, Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, text);
 }
 
 void BuddyTree::contextMenuEvent(QContextMenuEvent* event) {

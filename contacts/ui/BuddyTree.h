@@ -22,6 +22,8 @@ class BuddyTree : public QTreeWidget {
     // The right-click menu of an item, or null for none (folders have none). The caller owns
     // it; every entry carries an object name.
     QMenu* menuFor(QTreeWidgetItem* item);
+    // What an empty tree says: how to log in or how to add a buddy.
+    QString emptyText() const;
 
   signals:
     void conversationRequested(const QString& name);
@@ -32,6 +34,8 @@ class BuddyTree : public QTreeWidget {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
+    // An empty tree says why it is empty.
+    void paintEvent(QPaintEvent* event) override;
 
   private:
     void rebuild();

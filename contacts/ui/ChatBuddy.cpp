@@ -36,7 +36,7 @@ ChatBuddy::ChatBuddy(BuddyList& list, Prompter& prompter, QWidget* parent)
     tree_->setHeaderHidden(true);
     tree_->setRootIsDecorated(false);
     tree_->setIconSize(QSize(16, 16));
-    tree_->setMinimumSize(200, 220);
+    tree_->setMinimumSize(180, 160);
     tree_->setContextMenuPolicy(Qt::CustomContextMenu);
 
     auto* hint = new QLabel(
@@ -120,6 +120,9 @@ ChatBuddy::ChatBuddy(BuddyList& list, Prompter& prompter, QWidget* parent)
         }
     });
     rebuildTree();
+    // Room for the tree, the buttons and the two lines of the hint: a word-wrapped label does
+    // not make its dialog keep that room by itself.
+    setMinimumSize(380, 320);
     resize(420, 380);
 }
 
