@@ -274,6 +274,56 @@ TEST_F(BuddyTest, QuietMembersTurnIdleAndTheirNextRequestMakesThemActive) {
     EXPECT_EQ(record(*alice), "Buddies.bob;True;False;False;True;;");
 }
 
+TEST_F(BuddyTest, AMemberWhoLogsInAgainAndAgainLeavesNothingOfTheOldSessionsBehind) {
+    addMembers({"mallory", "bob", "carol", "dave", "erin"});
+    startServer({"--presence-interval", "0.01"});
+    auto bob = member("bob");
+    bob->send(in::kAddBuddy, "mallory");
+    answer(*bob);
+    auto carol = member("carol");
+    std::string list;
+    for (const char* name : {"bob", "carol", "dave", "erin", "mallory"}) {
+        list += std::string("Watched.") + name + ":";
+    }
+    for (int i = 0; i < 300; ++i) {
+        list += "Watched.ghost" + std::to_string(i) + ":";  // not members: left out
+    }
+    std::unique_ptr<RawClient> mallory = member("mallory");
+    EXPECT_EQ(record(*bob), "Buddies.mallory" + kOnline);
+    mallory->send(in::kEditBuddyList, list);
+    EXPECT_EQ(mallory->expect(kNotice).payload,
+              "Your buddy list was not saved: a buddy list holds at most 200 buddies.");
+    answer(*mallory);
+    // Five members and 195 ghosts: at the bound, so stored without them.
+    mallory->send(in::kEditBuddyList, list.substr(0, list.find("Watched.ghost195")));
+    EXPECT_EQ(mallory->expect(kNotice).payload,
+              "There is no member called ghost0; it was left out of your buddy list.");
+    EXPECT_EQ(answer(*mallory).list,
+              "Watched.bob:Watched.carol:Watched.dave:Watched.erin:Watched.mallory:");
+
+    // Logging in again, from a second connection while the first is open or after it is gone:
+    // each time the watcher hears one session leave and one arrive, and the list comes back.
+    for (int i = 0; i < 6; ++i) {
+        if (i % 2 == 0) {
+            mallory.reset();
+        }
+        auto again = member("MALLORY");
+        EXPECT_EQ(lastBuddyRecords_.size(), 5u);
+        EXPECT_EQ(record(*bob), "Buddies.mallory" + kOffline) << i;
+        EXPECT_EQ(record(*bob), "Buddies.mallory" + kOnline) << i;
+        if (mallory) {
+            EXPECT_TRUE(mallory->waitClosed());
+        }
+        mallory = std::move(again);
+    }
+    // A buddy's change reaches the one session there is, once; and the others are served on.
+    carol->send(in::kAwayStatus, "/away out");
+    carol->expect(out::kAwayMenu);
+    EXPECT_EQ(record(*mallory), "Watched.carol;True;True;False;False;;out");
+    expectNothingPending(*mallory);
+    expectNothingPending(*bob);
+}
+
 TEST_F(BuddyTest, LocateSaysWhereAMemberIsInOneOfFourSentences) {
     addMembers({"alice", "Bob", "carol"});
     startServer();
