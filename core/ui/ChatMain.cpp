@@ -257,6 +257,8 @@ void ChatMain::buildCentralArea() {
     auto* buddyTree = new BuddyTree(session_.buddies(), session_.ignoreList(), buddyArea);
     connect(buddyTree, &BuddyTree::locateRequested, this,
             [this](const QString& name) { session_.locator().locate(name); });
+    connect(buddyTree, &BuddyTree::conversationRequested, this,
+            [this](const QString& name) { session_.privateChats().openConversation(name); });
     connect(&session_.buddies(), &BuddyList::captionChanged, buddyCaption_, &QLabel::setText);
     buddyTree_ = buddyTree;
     buddyLayout->addWidget(buddyCaption_);
