@@ -35,6 +35,10 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
                     prompter) {
     server_.dispatcher().route(protocol::server_to_client::kLocateResult,
                                [this](const ServerMessage& m) { locator_.onLocateResult(m); });
+    // Conversations know who is a buddy, and say when their member comes and goes.
+    privateChats_.setBuddyDirectory(&buddies_);
+    connect(&buddies_, &BuddyList::buddyOnlineChanged, &privateChats_,
+            &PrivateChats::showPresenceNotice);
     // Lines are formatted with the settings of the moment they arrive.
     connect(&settings_, &Settings::changed, this, [this] {
         formatter_.setOptions(LineOptions::fromSettings(settings_.values(), dataRoot_));

@@ -34,11 +34,11 @@
 #include "core/ui/AppIcon.h"
 #include "core/ui/ChatNewAway.h"
 #include "core/ui/ConnectionWindows.h"
+#include "core/ui/DesktopNotices.h"
 #include "core/ui/MessageBoxPrompter.h"
 #include "core/ui/ToolBarIcons.h"
-#include "render/ui/ChatNickFormat.h"
-#include "core/ui/DesktopNotices.h"
 #include "pm/ui/ChatPM.h"
+#include "render/ui/ChatNickFormat.h"
 #include "rooms/ui/ChatRoom.h"
 
 namespace tavren {
@@ -62,9 +62,8 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     buildTrayIcon();
     notices_ = new DesktopNotices(
         session_.settings(), tray_, [] { return QApplication::activeWindow() != nullptr; }, this);
-    connect(notices_, &DesktopNotices::conversationWanted, this, [this](const QString& user) {
-        session_.privateChats().openConversation(user);
-    });
+    connect(notices_, &DesktopNotices::conversationWanted, this,
+            [this](const QString& user) { session_.privateChats().openConversation(user); });
     setOnlineLook(false);
     followServerSession();
 
@@ -143,17 +142,17 @@ void ChatMain::buildMenus() {
             &QAction::triggered, windows, &ConnectionWindows::showConsole);
     // The error window stays in the background for troubles that mend themselves; this is
     // the way to read it.
-    connect(addCommand(tavrenMenu, QStringLiteral("errorlog"), QStringLiteral("Error Lo&g.."),
-                       true),
-            &QAction::triggered, windows, &ConnectionWindows::showErrors);
+    connect(
+        addCommand(tavrenMenu, QStringLiteral("errorlog"), QStringLiteral("Error Lo&g.."), true),
+        &QAction::triggered, windows, &ConnectionWindows::showErrors);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("exittavren"), QStringLiteral("E&xit"), true),
             &QAction::triggered, this, &QWidget::close);
 
     QMenu* chatMenu = menuBar()->addMenu(QStringLiteral("&Chat"));
-    connect(addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."),
-                       false),
-            &QAction::triggered, this, &ChatMain::promptJoinChannel);
+    connect(
+        addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."), false),
+        &QAction::triggered, this, &ChatMain::promptJoinChannel);
     addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false);
     addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false);
     chatMenu->addSeparator();
@@ -163,16 +162,16 @@ void ChatMain::buildMenus() {
     addCommand(chatMenu, QStringLiteral("readmessages"), QStringLiteral("&Read Messages (0).."),
                false);
     chatMenu->addSeparator();
-    connect(addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."),
-                       false),
-            &QAction::triggered, this, &ChatMain::promptLocateUser);
+    connect(
+        addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."), false),
+        &QAction::triggered, this, &ChatMain::promptLocateUser);
     addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."), false);
 
     QMenu* buddyMenu = menuBar()->addMenu(QStringLiteral("&Buddies"));
-    connect(addCommand(buddyMenu, QStringLiteral("mnuaddbuddy"), QStringLiteral("&Add Buddy.."),
-                       false),
-            &QAction::triggered, this,
-            [this] { BuddyEditor::askAndAddTo(session_.buddies(), *prompter_); });
+    connect(
+        addCommand(buddyMenu, QStringLiteral("mnuaddbuddy"), QStringLiteral("&Add Buddy.."), false),
+        &QAction::triggered, this,
+        [this] { BuddyEditor::askAndAddTo(session_.buddies(), *prompter_); });
     connect(addCommand(buddyMenu, QStringLiteral("editbuddys"), QStringLiteral("&Edit Buddies.."),
                        false),
             &QAction::triggered, this,
@@ -364,9 +363,8 @@ void ChatMain::buildTrayIcon() {
 }
 
 void ChatMain::setOnlineLook(bool online) {
-    for (const char* name :
-         {"currentnick", "changepassword", "mnueditemail", "joinroom", "formatnickname",
-          "locateuser", "sendmsg"}) {
+    for (const char* name : {"currentnick", "changepassword", "mnueditemail", "joinroom",
+                             "formatnickname", "locateuser", "sendmsg"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
     for (const char* name : {"mnuaddbuddy", "editbuddys"}) {
@@ -420,6 +418,8 @@ void ChatMain::followServerSession() {
             pmWindow_->setAttribute(Qt::WA_QuitOnClose, false);
         }
     });
+    connect(&session_.buddies(), &BuddyList::buddyOnlineNotice, notices_,
+            &DesktopNotices::buddyOnline);
     connect(&chats, &PrivateChats::messageArrived, this,
             [this](const QString& user, const QString& text, bool) {
                 notices_->privateMessage(user, text);
@@ -501,9 +501,9 @@ void ChatMain::openSettings(ChatConfig::Page page) {
 }
 
 void ChatMain::promptJoinChannel() {
-    const auto channel = prompter_->askText(QStringLiteral("Enter Channel Name"),
-                                            QStringLiteral("Join Channel"),
-                                            QStringLiteral("Tavren General Chat"));
+    const auto channel =
+        prompter_->askText(QStringLiteral("Enter Channel Name"), QStringLiteral("Join Channel"),
+                           QStringLiteral("Tavren General Chat"));
     if (channel && !channel->trimmed().isEmpty()) {
         session_.rooms().join(channel->trimmed());
     }

@@ -1,5 +1,7 @@
 #include "core/ui/MessageBoxPrompter.h"
 
+#include <algorithm>
+
 #include <QInputDialog>
 #include <QMessageBox>
 
@@ -71,22 +73,24 @@ void MessageBoxPrompter::askYesNoCancelLater(const QString& text, const QString&
                                 QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent_);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setDefaultButton(QMessageBox::Yes);
-    QObject::connect(box, &QMessageBox::finished, box,
-                     [box, answered = std::move(answered)](int) {
-                         answered(toAnswer(box->standardButton(box->clickedButton())));
-                     });
+    QObject::connect(box, &QMessageBox::finished, box, [box, answered = std::move(answered)](int) {
+        answered(toAnswer(box->standardButton(box->clickedButton())));
+    });
     box->open();
 }
 
 std::optional<QString> MessageBoxPrompter::askText(const QString& prompt, const QString& title,
                                                    const QString& defaultText) {
-    bool accepted = false;
-    const QString text =
-        QInputDialog::getText(parent_, title, prompt, QLineEdit::Normal, defaultText, &accepted);
-    if (!accepted) {
+    QInputDialog dialog(parent_);
+    dialog.setWindowTitle(title);
+    dialog.setLabelText(prompt);
+    dialog.setTextValue(defaultText);
+    // Wide enough for the title bar to show the whole title and for a name to be read whole.
+    dialog.setMinimumWidth(std::max(320, dialog.fontMetrics().horizontalAdvance(title) + 160));
+    if (dialog.exec() != QDialog::Accepted) {
         return std::nullopt;
     }
-    return text;
+    return dialog.textValue();
 }
 
 }  // namespace tavren

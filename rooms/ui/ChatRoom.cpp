@@ -151,8 +151,9 @@ void ChatRoom::buildStatusBar() {
     flooder_->setTextVisible(false);
     flooder_->setFixedWidth(80);
     flooder_->setMaximumHeight(12);
-    flooder_->setToolTip(tr("Flood meter: it fills with every line you send and empties over "
-                            "time. While it is full, your lines wait."));
+    flooder_->setToolTip(
+        tr("Flood meter: it fills with every line you send and empties over "
+           "time. While it is full, your lines wait."));
     FloodMeter& meter = rooms_.flooder();
     flooder_->setRange(0, meter.maximum());
     flooder_->setValue(meter.value());
@@ -269,7 +270,8 @@ void ChatRoom::onSelectionChanged(int index) {
 
 void ChatRoom::refreshTitle() {
     const int count = tabs_->count();
-    setWindowTitle(kTitle + (count == 1 ? QStringLiteral(" Channel: (") : QStringLiteral(" Channels: (")) +
+    setWindowTitle(kTitle +
+                   (count == 1 ? QStringLiteral(" Channel: (") : QStringLiteral(" Channels: (")) +
                    QString::number(count) + QLatin1Char(')'));
 }
 
@@ -318,13 +320,15 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     message->setObjectName(QStringLiteral("sendpm"));
     connect(message, &QAction::triggered, this,
             [this, name] { session_.privateChats().openConversation(name); });
-    // Profiles and buddies arrive with their own windows.
-    for (const auto& [objectName, caption] :
-         {std::pair{"viewit", tr("View &Profile")}, std::pair{"addbuddy", tr("&Add Buddy")}}) {
-        QAction* later = menu.addAction(caption);
-        later->setObjectName(QString::fromLatin1(objectName));
-        later->setEnabled(false);
-    }
+    QAction* buddy = menu.addAction(
+        session_.buddies().contains(name) ? tr("Already in Buddy List...") : tr("&Add Buddy"));
+    buddy->setObjectName(QStringLiteral("addbuddy"));
+    buddy->setEnabled(!session_.buddies().contains(name));
+    connect(buddy, &QAction::triggered, this, [this, name] { session_.buddies().addBuddy(name); });
+    // Profiles arrive with their own window.
+    QAction* profile = menu.addAction(tr("View &Profile"));
+    profile->setObjectName(QStringLiteral("viewit"));
+    profile->setEnabled(false);
     menu.exec(globalPos);
 }
 
@@ -370,9 +374,9 @@ void ChatRoom::openSmileys(QWidget* anchor) {
 }
 
 void ChatRoom::promptJoin() {
-    const auto channel = prompter_.askText(QStringLiteral("Enter Channel Name"),
-                                           QStringLiteral("Join Channel"),
-                                           QStringLiteral("Tavren General Chat"));
+    const auto channel =
+        prompter_.askText(QStringLiteral("Enter Channel Name"), QStringLiteral("Join Channel"),
+                          QStringLiteral("Tavren General Chat"));
     if (channel && !channel->trimmed().isEmpty()) {
         rooms_.join(channel->trimmed());
     }
