@@ -220,5 +220,23 @@ TEST(BuddyStoreTest, ListsKeepTheirOrderAndReadBackInTheAccountsSpelling) {
     EXPECT_TRUE(buddies.listOf(created[0].id).empty());
 }
 
+TEST(BuddyStoreTest, ADatabaseFromBeforeBuddyListsIsUpgradedAndKeepsItsAccounts) {
+    const auto file = std::filesystem::path(std::getenv("TAVREN_HOME")) / "old.db";
+    Account alice;
+    alice.name = "alice";
+    alice.passwordHash = "h";
+    {
+        SqliteDatabase db(file);
+        ASSERT_TRUE(SqliteAccountStore(db).create(alice));
+        // As the server before buddy lists left it.
+        db.execute("DROP TABLE buddies; PRAGMA user_version=2");
+    }
+    SqliteDatabase db(file);
+    EXPECT_EQ(SqliteAccountStore(db).findByName("alice").value_or(Account{}).id, alice.id);
+    SqliteBuddyStore buddies(db);
+    buddies.replace(alice.id, {{"Buddies", "", alice.id}});
+    EXPECT_EQ(buddies.listOf(alice.id), (std::vector<Buddy>{{"Buddies", "alice", alice.id}}));
+}
+
 }  // namespace
 }  // namespace tavren::server
