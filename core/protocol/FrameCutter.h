@@ -65,6 +65,12 @@ class FrameCutter {
     bool ProxyMode() const { return proxyMode_; }
     bool Failed() const { return failed_; }
     std::uint32_t MaxPayloadLength() const { return maxPayloadLength_; }
+    // Changes the limit for the frames not cut yet (a server allows larger frames once a client
+    // has logged in); values above kMaxPayloadLength are lowered to it.
+    void SetMaxPayloadLength(std::uint32_t maxPayloadLength) {
+        maxPayloadLength_ =
+            maxPayloadLength < kMaxPayloadLength ? maxPayloadLength : kMaxPayloadLength;
+    }
     // Bytes received but not yet handed out.
     std::size_t BufferedBytes() const { return buffer_.size() - start_; }
 

@@ -4,7 +4,7 @@
 #include "core/protocol/Fields.h"
 #include "server/accounts/AccountRules.h"
 #include "server/accounts/AccountStore.h"
-#include "server/accounts/PasswordWorker.h"
+#include "server/accounts/PasswordGate.h"
 #include "server/base/Log.h"
 #include "server/base/Replies.h"
 #include "server/session/Member.h"
@@ -15,6 +15,13 @@ namespace in = protocol::client_to_server;
 namespace out = protocol::server_to_client;
 using protocol::FieldAt;
 using protocol::SplitFields;
+
+namespace {
+
+const std::string kPasswordBusy =
+    "Your password was not changed: the server is busy. Please try again in a few seconds.";
+
+}  // namespace
 
 std::string AccountRequests::refreshPayload(const Account& account) {
     return protocol::JoinFields(
@@ -47,12 +54,31 @@ asio::awaitable<void> AccountRequests::changePassword(Member& member, const std:
         member.link.send(replies::kNotice, "Your password was not changed. " + problem);
         co_return;
     }
-    if (!co_await passwords_.verify(member.account.passwordHash, current, member.gone)) {
+    const std::string& group = member.link.addressGroup();
+    const auto checked = co_await passwords_.checkCurrentPassword(
+        group, member.name(), member.account.passwordHash, current, member.gone);
+    if (checked.kind == PasswordGate::Outcome::Kind::kWait) {
+        const auto seconds = std::chrono::ceil<std::chrono::seconds>(checked.wait).count();
+        member.link.send(replies::kNotice,
+                         "Your password was not changed: too many wrong passwords. Please wait " +
+                             std::to_string(seconds) + " seconds and try again.");
+        co_return;
+    }
+    if (checked.kind == PasswordGate::Outcome::Kind::kBusy) {
+        member.link.send(replies::kNotice, kPasswordBusy);
+        co_return;
+    }
+    if (checked.kind != PasswordGate::Outcome::Kind::kAccepted) {
         member.link.send(replies::kNotice,
                          "Your password was not changed: the current password is wrong.");
         co_return;
     }
-    std::string newHash = co_await passwords_.hash(replacement, member.gone);
+    std::optional<std::string> hashed = co_await passwords_.hash(group, replacement, member.gone);
+    if (!hashed) {
+        member.link.send(replies::kNotice, kPasswordBusy);
+        co_return;
+    }
+    std::string newHash = std::move(*hashed);
     accounts_.setPasswordHash(member.account.id, newHash);
     member.account.passwordHash = std::move(newHash);
     Log::info(member.name() + " changed the password");
@@ -64,8 +90,10 @@ void AccountRequests::changeEmail(Member& member, const std::string& payload) {
         member.link.send(replies::kNotice, "Your e-mail address was not changed. " + problem);
         return;
     }
-    accounts_.setEmail(member.account.id, payload);
-    member.account.email = payload;
+    if (payload != member.account.email) {  // nothing is written without a change
+        accounts_.setEmail(member.account.id, payload);
+        member.account.email = payload;
+    }
     member.link.send(out::kSuccessNotice, "Your e-mail address has been changed.");
 }
 
@@ -74,8 +102,10 @@ void AccountRequests::saveNicknameFormat(Member& member, const std::string& payl
         member.link.send(replies::kNotice, "Your nickname format was not saved. " + problem);
         return;
     }
-    accounts_.setNicknameFormat(member.account.id, payload);
-    member.account.nicknameFormat = payload;
+    if (payload != member.account.nicknameFormat) {
+        accounts_.setNicknameFormat(member.account.id, payload);
+        member.account.nicknameFormat = payload;
+    }
     member.link.send(out::kAccountRefresh, refreshPayload(member.account));
 }
 

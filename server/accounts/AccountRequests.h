@@ -8,14 +8,14 @@ namespace tavren::server {
 
 struct Account;
 class AccountStore;
-class PasswordWorker;
+class PasswordGate;
 
 // A logged-in member's own account: change the password or the e-mail address, ask for the
 // address, save the nickname format. Every change is checked against the account rules and kept
 // in the store before it is confirmed.
 class AccountRequests : public FeatureHandler {
   public:
-    AccountRequests(AccountStore& accounts, PasswordWorker& passwords)
+    AccountRequests(AccountStore& accounts, PasswordGate& passwords)
         : accounts_(accounts), passwords_(passwords) {}
 
     // (1, 5): name ";" staff level ";" nickname format, sent at login and after a format change.
@@ -31,7 +31,7 @@ class AccountRequests : public FeatureHandler {
     void saveNicknameFormat(Member& member, const std::string& payload);
 
     AccountStore& accounts_;
-    PasswordWorker& passwords_;
+    PasswordGate& passwords_;
 };
 
 }  // namespace tavren::server

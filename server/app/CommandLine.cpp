@@ -128,6 +128,59 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          [](CommandLine& c, const std::string& v) {
              c.config.maxLoginAttempts = parseNumber<int>("--max-login-attempts", v, 1, 1000);
          }},
+        {"--max-connections",
+         [](CommandLine& c, const std::string& v) {
+             c.config.maxConnections =
+                 parseNumber<std::size_t>("--max-connections", v, 1, 1000000);
+         }},
+        {"--connect-rate",
+         [](CommandLine& c, const std::string& v) {
+             c.config.connectsPerMinute = parseNumber<double>("--connect-rate", v, 0.1, 1e6);
+         }},
+        {"--connect-burst",
+         [](CommandLine& c, const std::string& v) {
+             c.config.connectBurst = parseNumber<double>("--connect-burst", v, 1, 1e6);
+         }},
+        {"--max-payload-before-login",
+         [](CommandLine& c, const std::string& v) {
+             // Room for the longest sign-up (name, password, e-mail) with some to spare.
+             c.config.maxPayloadBeforeLogin = parseNumber<std::uint32_t>(
+                 "--max-payload-before-login", v, 256, protocol::kMaxPayloadLength);
+         }},
+        {"--max-inbound",
+         [](CommandLine& c, const std::string& v) {
+             c.config.inboundByteLimit =
+                 parseNumber<std::size_t>("--max-inbound", v, 1024, 1u << 30);
+         }},
+        {"--memory-budget",
+         [](CommandLine& c, const std::string& v) {
+             c.config.memoryBudget = parseNumber<std::size_t>("--memory-budget", v, 16, 1u << 20)
+                                     << 20;
+         }},
+        {"--max-password-jobs",
+         [](CommandLine& c, const std::string& v) {
+             c.config.passwords.maxPending =
+                 parseNumber<std::size_t>("--max-password-jobs", v, 1, 100000);
+         }},
+        {"--max-password-jobs-per-address",
+         [](CommandLine& c, const std::string& v) {
+             c.config.passwords.maxPendingPerAddress =
+                 parseNumber<std::size_t>("--max-password-jobs-per-address", v, 1, 100000);
+         }},
+        {"--login-failures",
+         [](CommandLine& c, const std::string& v) {
+             c.config.passwords.failuresBeforeBackoff =
+                 parseNumber<int>("--login-failures", v, 1, 1000000);
+         }},
+        {"--max-login-backoff",
+         [](CommandLine& c, const std::string& v) {
+             c.config.passwords.maxBackoff = parseSeconds("--max-login-backoff", v);
+         }},
+        {"--signups-per-hour",
+         [](CommandLine& c, const std::string& v) {
+             c.config.passwords.signUpsPerHour =
+                 parseNumber<int>("--signups-per-hour", v, 1, 1000000);
+         }},
         {"--min-version",
          [](CommandLine& c, const std::string& v) {
              c.config.minimumVersion = parseVersion("--min-version", v);
@@ -277,6 +330,23 @@ Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or 
   --queue-limit N             frames waiting for a client that does not read (default 1024)
   --send-buffer BYTES         kernel send buffer per connection (default: the system's)
   --max-login-attempts N      failed logins on one connection before it is closed (default 3)
+
+Load and abuse (an address group is an IPv4 address or an IPv6 /64):
+  --max-connections N         connections open at once in all (default 30000; lowered to what the
+                              open-file limit allows, which is raised at start as far as it can)
+  --connect-rate N            new connections per minute from one address group (default 60)
+  --connect-burst N           new connections at once before that rate applies (default 20)
+  --max-payload-before-login BYTES
+                              largest payload before the password is accepted (default 4096)
+  --max-inbound BYTES         requests read but not yet handled, per connection (default 1048576)
+  --memory-budget MIB         read buffers and queues of all connections together (default 1024)
+  --max-password-jobs N       password checks waiting or running in all (default 128)
+  --max-password-jobs-per-address N
+                              password checks waiting or running per address group (default 2)
+  --login-failures N          failed logins from one address group before each further try waits
+                              1 s, doubling (default 5; twice as many for one account name)
+  --max-login-backoff SECONDS longest such wait (default 300)
+  --signups-per-hour N        sign-up tries per address group and hour (default 3)
   --min-version X.Y.Z         older clients are refused (default 1.0.0)
   --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
   --update-url URL            where the update is downloaded from

@@ -6,6 +6,7 @@
 #include <iostream>
 
 #include "server/accounts/AccountRequests.h"
+#include "server/accounts/PasswordGate.h"
 #include "server/accounts/PasswordWorker.h"
 #include "server/app/CommandLine.h"
 #include "server/base/Log.h"
@@ -40,7 +41,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
 
     asio::io_context io(1);
     LocalPresenceHub presence;
-    PasswordWorker passwords;
+    PasswordWorker passwordWorker;
+    PasswordGate passwords(passwordWorker, config.passwords, io.get_executor());
 
     PresenceService buddyPresence(presence, config.contacts, io.get_executor());
     AccountRequests accountRequests(accounts, passwords);

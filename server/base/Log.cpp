@@ -6,6 +6,8 @@
 #include <ctime>
 #include <mutex>
 
+#include "server/base/LogThrottle.h"
+
 namespace tavren::server {
 
 namespace {
@@ -36,6 +38,27 @@ void write(std::string_view level, std::string_view line) {
 void Log::info(std::string_view line) {
     if (!quietMode) {
         write("info", line);
+    }
+}
+
+void Log::infoFrom(const std::string& addressGroup, std::string_view line) {
+    if (quietMode) {
+        return;
+    }
+    // 20 lines at once, then one a second, per address group.
+    static LogThrottle throttle(20, std::chrono::seconds(1));
+    std::size_t leftOut = 0;
+    {
+        const std::lock_guard lock(logMutex);
+        if (!throttle.allow(addressGroup, LogThrottle::Clock::now(), leftOut)) {
+            return;
+        }
+    }
+    if (leftOut == 0) {
+        write("info", line);
+    } else {
+        write("info", std::string(line) + " (" + std::to_string(leftOut) + " more lines from " +
+                          addressGroup + " left out)");
     }
 }
 

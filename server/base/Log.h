@@ -11,6 +11,10 @@ class Log {
   public:
     static void info(std::string_view line);
     static void warn(std::string_view line);
+    // An info line caused by what a client sent (a refusal, a dropped frame), written only while
+    // that client's address group stays within its log budget (see LogThrottle), so that a client
+    // cannot make the server write without bound.
+    static void infoFrom(const std::string& addressGroup, std::string_view line);
 
     // Bytes from the network shown safely in a log line: control characters and bytes above 126
     // become \xNN, and anything beyond `limit` bytes is cut with "...".

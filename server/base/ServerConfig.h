@@ -42,6 +42,22 @@ struct ContactLimits {
     std::chrono::milliseconds presenceInterval{1000};
 };
 
+// What keeps password work (argon2id, tens of milliseconds and 64 MiB each) from being a lever
+// for anyone: jobs waiting per address group and in total, and a back-off after failed logins per
+// address group and per account name. Each is a command-line option.
+struct PasswordLimits {
+    std::size_t maxPendingPerAddress = 2;  // checks queued or running for one address group
+    std::size_t maxPending = 128;          // checks queued or running in all
+    // Failed logins (or password changes) allowed before each further try has to wait; the wait
+    // doubles with every failure from one second up to `maxBackoff`.
+    int failuresBeforeBackoff = 5;
+    std::chrono::milliseconds maxBackoff{300000};
+    // A source that fails no more for this long starts afresh.
+    std::chrono::milliseconds forgetFailuresAfter{900000};
+    // New accounts one address group may create per hour.
+    int signUpsPerHour = 3;
+};
+
 // Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
 // tests shrink the intervals so that time-outs happen in a fraction of a second.
 struct ServerConfig {
@@ -66,8 +82,20 @@ struct ServerConfig {
     double framesPerSecond = 20.0;
     int floodLimit = 60;
 
-    // Connections open at once from one address.
+    // Connections open at once from one address group (an IPv4 address, an IPv6 /64).
     int maxConnectionsPerAddress = 8;
+    // Connections open at once in all; never more than the open-file limit leaves room for.
+    std::size_t maxConnections = 30000;
+    // New connections per address group: a burst, then this many a minute.
+    double connectsPerMinute = 60.0;
+    double connectBurst = 20.0;
+    // Until the password has been accepted a client sends only short requests (version,
+    // credentials, sign-up), so its frames are held to this many payload bytes.
+    std::uint32_t maxPayloadBeforeLogin = 4096;
+    // Bytes of requests read but not yet handled, per connection (at least one frame is taken).
+    std::size_t inboundByteLimit = 1u << 20;
+    // Bytes all connections together may hold in read buffers and queues.
+    std::size_t memoryBudget = std::size_t{1} << 30;
 
     // Frames waiting to be written to one client; a client that does not read is dropped when its
     // queue is full instead of making anyone wait.
@@ -87,6 +115,7 @@ struct ServerConfig {
     // Shown to every member after login when not empty, and on "/motd".
     std::string messageOfTheDay;
 
+    PasswordLimits passwords;
     RoomLimits rooms;
     ContactLimits contacts;
 };

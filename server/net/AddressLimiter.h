@@ -1,21 +1,26 @@
 #pragma once
 
-#include <map>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 
 namespace tavren::server {
 
-// Counts open connections per remote address. A connection holds a Slot for its whole life; the
-// slot gives its place back when destroyed, whichever way the connection ended.
+// Counts open connections per address group and in all. A connection holds a Slot for its whole
+// life; the slot gives its place back when destroyed, whichever way the connection ended.
 class AddressLimiter {
-    using Counts = std::map<std::string, int>;
+    struct Counts {
+        std::unordered_map<std::string, int> perGroup;
+        std::size_t total = 0;
+    };
 
   public:
     class Slot {
       public:
-        Slot(std::shared_ptr<Counts> counts, std::string address);
+        Slot(std::shared_ptr<Counts> counts, std::string group);
         ~Slot();
         Slot(Slot&& other) noexcept = default;
         Slot& operator=(Slot&&) = delete;
@@ -24,18 +29,23 @@ class AddressLimiter {
 
       private:
         std::shared_ptr<Counts> counts_;
-        std::string address_;
+        std::string group_;
     };
 
-    explicit AddressLimiter(int maxPerAddress)
-        : maxPerAddress_(maxPerAddress), counts_(std::make_shared<Counts>()) {}
+    explicit AddressLimiter(int maxPerGroup, std::size_t maxTotal = SIZE_MAX)
+        : maxPerGroup_(maxPerGroup), maxTotal_(maxTotal), counts_(std::make_shared<Counts>()) {}
 
-    // A slot, or nothing when the address already holds the most connections allowed.
-    std::optional<Slot> tryAcquire(const std::string& address);
-    int openFrom(const std::string& address) const;
+    enum class Refusal { kNone, kGroupFull, kServerFull };
+    // A slot, or nothing (and why) when the group or the server already holds the most
+    // connections allowed.
+    std::optional<Slot> tryAcquire(const std::string& group, Refusal* why = nullptr);
+    int openFrom(const std::string& group) const;
+    std::size_t openInAll() const { return counts_->total; }
+    void setMaxTotal(std::size_t maxTotal) { maxTotal_ = maxTotal; }
 
   private:
-    int maxPerAddress_;
+    int maxPerGroup_;
+    std::size_t maxTotal_;
     std::shared_ptr<Counts> counts_;
 };
 

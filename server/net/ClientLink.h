@@ -27,6 +27,8 @@ class ClientLink {
     virtual void finish(std::string_view reason) = 0;
     // The remote address, for logs and limits.
     virtual const std::string& peerAddress() const = 0;
+    // The key per-address limits count this client under (see AddressGroup).
+    virtual const std::string& addressGroup() const { return peerAddress(); }
 };
 
 }  // namespace tavren::server

@@ -20,17 +20,30 @@ namespace {
 constexpr auto kAwaitResult = asio::experimental::as_tuple(asio::use_awaitable);
 // How long a finishing connection may take to read its last frames before it is cut off.
 constexpr std::chrono::seconds kFinishGrace{2};
+// What one read takes from the kernel at most once the client has logged in; before that, a
+// little more than one short frame.
+constexpr std::size_t kReadChunk = 64 * 1024;
+constexpr std::size_t kSmallestReadChunk = 1024;
+
+// One read buffer for every connection of the thread: a read takes what the socket holds and
+// hands it to the cutter at once, so an idle connection holds no buffer of its own.
+std::array<char, kReadChunk>& sharedReadBuffer() {
+    static thread_local std::array<char, kReadChunk> buffer;
+    return buffer;
+}
 
 }  // namespace
 
 Connection::Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
                        const FrameHandlerFactory& makeHandler, AddressLimiter::Slot slot,
-                       std::string peerAddress)
+                       MemoryBudget& memory, std::string peerAddress, std::string addressGroup)
     : socket_(std::move(socket)),
       config_(config),
       makeHandler_(makeHandler),
       slot_(std::move(slot)),
       peerAddress_(std::move(peerAddress)),
+      addressGroup_(std::move(addressGroup)),
+      memory_(memory),
       writeSignal_(socket_.get_executor()),
       pingTimer_(socket_.get_executor()),
       deadline_(socket_.get_executor()),
@@ -38,7 +51,7 @@ Connection::Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
       inboundReady_(socket_.get_executor()),
       inboundSpace_(socket_.get_executor()),
       queue_(config.outgoingQueueLimit),
-      cutter_(config.maxPayload),
+      cutter_(std::min(config.maxPayload, config.maxPayloadBeforeLogin)),
       rateLimiter_(config.framesPerSecond, config.floodLimit, FrameRateLimiter::Clock::now()) {}
 
 void Connection::start() {
@@ -48,7 +61,7 @@ void Connection::start() {
     if (config_.socketSendBuffer > 0) {
         socket_.set_option(asio::socket_base::send_buffer_size(config_.socketSendBuffer), ignored);
     }
-    Log::info("connection from " + peerAddress_);
+    logFromPeer("connection from " + peerAddress_);
     spawn(readLoop());
     spawn(handleLoop());
     spawn(writeLoop());
@@ -79,7 +92,7 @@ void Connection::stop(std::string_view reason) {
         return;
     }
     stopped_ = true;
-    Log::info("closed " + peerAddress_ + ": " + std::string(reason));
+    logFromPeer("closed " + peerAddress_ + ": " + std::string(reason));
     if (handler_) {
         handler_->disconnected();
     }
@@ -93,6 +106,19 @@ void Connection::stop(std::string_view reason) {
     deadline_.cancel();
     paceTimer_.cancel();
     slot_.reset();
+    // Nothing read or queued from now on counts; the memory itself goes with the connection.
+    memory_.resize(memoryHeld_, 0);
+}
+
+void Connection::logFromPeer(std::string_view line) const {
+    Log::infoFrom(addressGroup_, line);
+}
+
+bool Connection::chargeMemory() {
+    if (stopped_) {
+        return true;
+    }
+    return memory_.resize(memoryHeld_, cutter_.BufferedBytes() + inboundBytes_ + queue_.bytes());
 }
 
 void Connection::send(protocol::CodePair code, std::string_view payload) {
@@ -106,7 +132,7 @@ void Connection::sendFrame(SharedFrame frame) {
     if (stopped_ || finishing_ || overflowed_) {
         return;
     }
-    if (!queue_.push(std::move(frame))) {
+    if (!queue_.push(std::move(frame)) || !chargeMemory()) {
         Log::warn(peerAddress_ + " does not read: " + std::to_string(queue_.size()) +
                   " frames waiting");
         // Stopped from the event loop, not from inside this call: the sender may be walking a
@@ -124,7 +150,7 @@ void Connection::finish(std::string_view reason) {
         return;
     }
     finishing_ = true;
-    Log::info("closing " + peerAddress_ + ": " + std::string(reason));
+    logFromPeer("closing " + peerAddress_ + ": " + std::string(reason));
     if (handler_) {
         handler_->disconnected();
     }
@@ -136,16 +162,41 @@ void Connection::finish(std::string_view reason) {
 
 asio::awaitable<void> Connection::readLoop() {
     auto self = shared_from_this();
-    std::array<char, 8192> buffer;
+    asio::error_code ignored;
+    socket_.non_blocking(true, ignored);
     while (!stopped_) {
-        const auto [error, count] =
-            co_await socket_.async_read_some(asio::buffer(buffer), kAwaitResult);
+        const auto [error] =
+            co_await socket_.async_wait(asio::ip::tcp::socket::wait_read, kAwaitResult);
         if (stopped_) {
             co_return;
         }
         if (error) {
-            stop(error == asio::error::eof ? "closed by the client" : error.message());
+            stop(error.message());
             co_return;
+        }
+        if (!co_await readAvailable()) {
+            co_return;
+        }
+    }
+}
+
+asio::awaitable<bool> Connection::readAvailable() {
+    // Until the password is accepted a read takes little more than one short frame, so that what
+    // an unknown client can make the server hold stays small.
+    while (!stopped_) {
+        const std::size_t chunk = fullPayloadAllowed_
+                                      ? kReadChunk
+                                      : std::clamp<std::size_t>(config_.maxPayloadBeforeLogin + 10,
+                                                                kSmallestReadChunk, kReadChunk);
+        auto& buffer = sharedReadBuffer();
+        asio::error_code error;
+        const std::size_t count = socket_.read_some(asio::buffer(buffer.data(), chunk), error);
+        if (error == asio::error::would_block || error == asio::error::try_again) {
+            co_return true;
+        }
+        if (error) {
+            stop(error == asio::error::eof ? "closed by the client" : error.message());
+            co_return false;
         }
         if (finishing_) {
             // Closing: what the client still sends is read and thrown away, so that our close
@@ -154,25 +205,42 @@ asio::awaitable<void> Connection::readLoop() {
             continue;
         }
         cutter_.Append(std::string_view(buffer.data(), count));
+        if (!chargeMemory()) {
+            Log::warn("memory budget spent: dropped " + peerAddress_ + " holding " +
+                      std::to_string(cutter_.BufferedBytes() + inboundBytes_) + " bytes");
+            stop("server memory budget spent");
+            co_return false;
+        }
         co_await takeBufferedFrames();
     }
+    co_return false;
 }
 
 asio::awaitable<void> Connection::takeBufferedFrames() {
     while (!stopped_ && !finishing_) {
+        if (!fullPayloadAllowed_ && handler_->authenticated()) {
+            cutter_.SetMaxPayloadLength(config_.maxPayload);
+            fullPayloadAllowed_ = true;
+        }
         protocol::CutResult cut = cutter_.Next();
         if (cut.kind == protocol::CutResult::Kind::kNeedMore) {
+            if (largeFrameCut_ && cutter_.BufferedBytes() == 0) {
+                // At a frame boundary: the room the large frame took goes back to the system.
+                cutter_.Reset();
+                largeFrameCut_ = false;
+            }
             co_return;
         }
         if (cut.kind == protocol::CutResult::Kind::kError) {
             // The stream has lost its frame boundary; nothing after this point can be trusted.
-            Log::warn("bad frame from " + peerAddress_ + ": " + cut.errorText);
+            logFromPeer("bad frame from " + peerAddress_ + ": " + cut.errorText);
             stop("bad frame");
             co_return;
         }
         if (cut.kind != protocol::CutResult::Kind::kFrame) {
             continue;
         }
+        largeFrameCut_ = largeFrameCut_ || cut.frame.payload.size() >= kLargeFrame;
         if (!co_await pace()) {
             co_return;  // dropped for flooding, or stopped while waiting
         }
@@ -184,10 +252,14 @@ asio::awaitable<void> Connection::takeBufferedFrames() {
         // cannot queue up unbounded work; TCP then slows the client down. Meanwhile "Pong"s wait
         // unread, and the pinger must not blame the client for that.
         readerBusy_ = true;
-        while (inbound_.size() >= kInboundLimit && !stopped_ && !finishing_) {
+        const std::size_t size = cut.frame.payload.size();
+        while ((inbound_.size() >= kInboundLimit ||
+                (!inbound_.empty() && inboundBytes_ + size > config_.inboundByteLimit)) &&
+               !stopped_ && !finishing_) {
             co_await waitFor(inboundSpace_);
         }
         readerBusy_ = false;
+        inboundBytes_ += size;
         inbound_.push_back(std::move(cut.frame));
         inboundReady_.cancel_one();
     }
@@ -202,6 +274,8 @@ asio::awaitable<void> Connection::handleLoop() {
         }
         protocol::Frame frame = std::move(inbound_.front());
         inbound_.pop_front();
+        inboundBytes_ -= frame.payload.size();
+        chargeMemory();  // shrinking always succeeds
         inboundSpace_.cancel_one();
         co_await handler_->handle(std::move(frame));
     }
@@ -215,7 +289,7 @@ asio::awaitable<void> Connection::waitFor(asio::steady_timer& signal) {
 asio::awaitable<bool> Connection::pace() {
     const auto verdict = rateLimiter_.admit(FrameRateLimiter::Clock::now());
     if (verdict.kind == FrameRateLimiter::Verdict::Kind::kDrop) {
-        Log::warn(peerAddress_ + " is flooding");
+        logFromPeer(peerAddress_ + " is flooding");
         send(replies::kNotice, "You have been disconnected for sending too fast.");
         finish("flooding");
         co_return false;
@@ -261,6 +335,7 @@ asio::awaitable<void> Connection::writeLoop() {
             co_return;
         }
         queue_.pop(count);
+        chargeMemory();
     }
 }
 

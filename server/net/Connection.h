@@ -14,6 +14,7 @@
 #include "server/net/ClientLink.h"
 #include "server/net/FrameHandler.h"
 #include "server/net/FrameRateLimiter.h"
+#include "server/net/MemoryBudget.h"
 #include "server/net/OutgoingQueue.h"
 
 namespace tavren::server {
@@ -24,11 +25,16 @@ namespace tavren::server {
 // Reading goes on while a request is being handled, so a client that hangs up is noticed at once
 // and the work it left behind is skipped. Each coroutine holds the connection alive; stop()
 // closes the socket and wakes them all, and the connection is gone once the last has returned.
+//
+// Memory per connection is bounded and small while idle: bytes are read into one buffer that all
+// connections of the thread share and kept only as far as they belong to an unfinished frame;
+// frames are short until the password has been accepted; requests waiting to be handled are
+// bounded in count and bytes; and everything held counts against the server's memory budget.
 class Connection : public ClientLink, public std::enable_shared_from_this<Connection> {
   public:
     Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
                const FrameHandlerFactory& makeHandler, AddressLimiter::Slot slot,
-               std::string peerAddress);
+               MemoryBudget& memory, std::string peerAddress, std::string addressGroup);
 
     void start();
     // Closes at once, without writing what is queued. Safe to call more than once.
@@ -38,6 +44,7 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     void sendFrame(SharedFrame frame) override;
     void finish(std::string_view reason) override;
     const std::string& peerAddress() const override { return peerAddress_; }
+    const std::string& addressGroup() const override { return addressGroup_; }
 
   private:
     // Frames read but not yet handled; the reader stops reading while this many wait.
@@ -46,7 +53,13 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     // frames, and one system call for each would cost more than the frames themselves.
     static constexpr std::size_t kWriteBatch = 64;
 
+    // A frame at least this large leaves the cutter's buffer that large; it is given back once the
+    // stream reaches a frame boundary.
+    static constexpr std::size_t kLargeFrame = 64 * 1024;
+
     asio::awaitable<void> readLoop();
+    // Reads what the socket holds; false when the connection ended.
+    asio::awaitable<bool> readAvailable();
     asio::awaitable<void> takeBufferedFrames();
     asio::awaitable<void> handleLoop();
     asio::awaitable<void> waitFor(asio::steady_timer& signal);
@@ -56,12 +69,18 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     // False when the client has to go for flooding.
     asio::awaitable<bool> pace();
     void spawn(asio::awaitable<void> loop);
+    // Brings this connection's share of the memory budget up to date; false when it cannot grow.
+    bool chargeMemory();
+    void logFromPeer(std::string_view line) const;
 
     asio::ip::tcp::socket socket_;
     const ServerConfig& config_;
     const FrameHandlerFactory& makeHandler_;
     std::optional<AddressLimiter::Slot> slot_;
     std::string peerAddress_;
+    std::string addressGroup_;
+    MemoryBudget& memory_;
+    std::size_t memoryHeld_ = 0;
     asio::steady_timer writeSignal_;
     asio::steady_timer pingTimer_;
     asio::steady_timer deadline_;
@@ -70,7 +89,10 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     asio::steady_timer inboundSpace_;  // cancelled when a frame is taken
     OutgoingQueue queue_;
     std::deque<protocol::Frame> inbound_;
+    std::size_t inboundBytes_ = 0;  // payload bytes in inbound_
     protocol::FrameCutter cutter_;
+    bool fullPayloadAllowed_ = false;  // the cutter's limit was raised after the password
+    bool largeFrameCut_ = false;       // the cutter's buffer grew for a large frame
     FrameRateLimiter rateLimiter_;
     std::unique_ptr<FrameHandler> handler_;  // made in start(), once the link can be shared
     int unansweredPings_ = 0;

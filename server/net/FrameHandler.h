@@ -22,6 +22,9 @@ class FrameHandler {
     virtual void disconnected() = 0;
     // Until this is true the login deadline applies.
     virtual bool loggedIn() const = 0;
+    // True once the client's password has been accepted: from then on it may send frames up to
+    // the full payload limit, before that only short ones.
+    virtual bool authenticated() const { return loggedIn(); }
 };
 
 // Makes the handler of a new connection. `link` is the connection; `sharedLink` is the same link

@@ -5,6 +5,7 @@
 #include "server/accounts/AccountRequests.h"
 #include "server/accounts/AccountRules.h"
 #include "server/accounts/AccountStore.h"
+#include "server/accounts/PasswordGate.h"
 #include "server/accounts/PasswordWorker.h"
 #include "server/base/Log.h"
 #include "server/base/Replies.h"
@@ -151,13 +152,13 @@ asio::awaitable<void> SessionHandler::onCredentials(const std::string& payload) 
         co_return;
     }
     std::optional<Account> account = services_.accounts.findByName(name);
-    if (!account) {
-        co_await services_.passwords.verifyAgainstDecoy(password, ended_);
-        refuseLogin(name, "unknown name");
+    const auto checked = co_await services_.passwords.checkLogin(
+        link_.addressGroup(), name, account ? &account->passwordHash : nullptr, password, ended_);
+    if (refusedForLoad(checked)) {
         co_return;
     }
-    if (!co_await services_.passwords.verify(account->passwordHash, password, ended_)) {
-        refuseLogin(name, "wrong password");
+    if (checked.kind != PasswordGate::Outcome::Kind::kAccepted) {
+        refuseLogin(name, account ? "wrong password" : "unknown name");
         co_return;
     }
     link_.send(out::kAccountRefresh, AccountRequests::refreshPayload(*account));
@@ -211,12 +212,24 @@ asio::awaitable<void> SessionHandler::onSignUp(const std::string& payload) {
             co_return;
         }
     }
+    // Every well-formed try costs one of the address's sign-ups, a taken name too: sign-up has to
+    // say that a name is taken, and this keeps it from answering that question at full speed.
+    if (!services_.passwords.takeSignUp(link_.addressGroup())) {
+        refuseSignUp(account.name, "Too many sign-ups from your address. Please try again later.");
+        co_return;
+    }
     // Checked first so that a taken name costs no hashing; the store checks again on insert.
     if (services_.accounts.findByName(account.name)) {
         refuseSignUp(account.name, "That name is taken.");
         co_return;
     }
-    account.passwordHash = co_await services_.passwords.hash(password, ended_);
+    std::optional<std::string> hashed =
+        co_await services_.passwords.hash(link_.addressGroup(), password, ended_);
+    if (!hashed) {
+        refuseSignUp(account.name, "The server is busy. Please try again in a few seconds.");
+        co_return;
+    }
+    account.passwordHash = std::move(*hashed);
     if (!services_.accounts.create(account)) {
         refuseSignUp(account.name, "That name is taken.");
         co_return;
@@ -226,18 +239,41 @@ asio::awaitable<void> SessionHandler::onSignUp(const std::string& payload) {
     link_.send(replies::kSignUpResult, replies::kRegistrationSuccess);
 }
 
+bool SessionHandler::refusedForLoad(const PasswordGate::Outcome& checked) {
+    // Nothing was checked, so nothing is said about the name or password: the client is told to
+    // come back later and the connection closes (a reconnect costs the server nothing).
+    if (checked.kind == PasswordGate::Outcome::Kind::kBusy) {
+        Log::infoFrom(link_.addressGroup(), "login from " + link_.peerAddress() +
+                                                " refused: too many password checks waiting");
+        link_.send(replies::kNotice,
+                   "The server is busy checking other logins. Please try again in a few seconds.");
+        link_.finish("password checks busy");
+        return true;
+    }
+    if (checked.kind == PasswordGate::Outcome::Kind::kWait) {
+        const auto seconds = std::chrono::ceil<std::chrono::seconds>(checked.wait).count();
+        Log::infoFrom(link_.addressGroup(), "login from " + link_.peerAddress() +
+                                                " refused: backing off after failed logins");
+        link_.send(replies::kNotice, "Too many failed logins. Please wait " +
+                                         std::to_string(seconds) + " seconds and try again.");
+        link_.finish("backing off after failed logins");
+        return true;
+    }
+    return false;
+}
+
 void SessionHandler::refuseLogin(std::string_view name, std::string_view why) {
     // The client hears the same text whatever went wrong, so that nobody can probe which names
     // exist; only the log says more.
-    Log::info("login refused for " + Log::quoted(name) + " from " + link_.peerAddress() + ": " +
-              std::string(why));
+    Log::infoFrom(link_.addressGroup(), "login refused for " + Log::quoted(name) + " from " +
+                                            link_.peerAddress() + ": " + std::string(why));
     link_.send(replies::kLoginResult, replies::kNotRegistered);
     countFailure();
 }
 
 void SessionHandler::refuseSignUp(std::string_view name, std::string_view why) {
-    Log::info("sign-up refused for " + Log::quoted(name) + " from " + link_.peerAddress() + ": " +
-              std::string(why));
+    Log::infoFrom(link_.addressGroup(), "sign-up refused for " + Log::quoted(name) + " from " +
+                                            link_.peerAddress() + ": " + std::string(why));
     link_.send(replies::kSignUpResult, protocol::JoinFields({replies::kAccountCreationError, why},
                                                             protocol::kFieldSeparator));
     countFailure();
@@ -262,9 +298,9 @@ void SessionHandler::disconnected() {
 }
 
 void SessionHandler::drop(const protocol::Frame& frame, std::string_view why) {
-    Log::info("dropped (" + std::to_string(frame.code.cmd1) + ", " +
-              std::to_string(frame.code.cmd2) + ") from " + link_.peerAddress() + " " +
-              std::string(why));
+    Log::infoFrom(link_.addressGroup(), "dropped (" + std::to_string(frame.code.cmd1) + ", " +
+                                            std::to_string(frame.code.cmd2) + ") from " +
+                                            link_.peerAddress() + " " + std::string(why));
 }
 
 }  // namespace tavren::server

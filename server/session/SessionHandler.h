@@ -8,6 +8,7 @@
 
 #include "core/protocol/Frame.h"
 #include "server/accounts/Account.h"
+#include "server/accounts/PasswordGate.h"
 #include "server/net/ClientLink.h"
 #include "server/net/FrameHandler.h"
 #include "server/session/Member.h"
@@ -33,6 +34,9 @@ class SessionHandler : public FrameHandler {
     // is no longer online, and further frames are ignored. Safe to call more than once.
     void disconnected() override;
     bool loggedIn() const override { return stage_ == Stage::kLoggedIn; }
+    bool authenticated() const override {
+        return stage_ == Stage::kAwaitingOk || stage_ == Stage::kLoggedIn;
+    }
 
   private:
     enum class Stage { kAwaitingVersion, kAwaitingCredentials, kSigningUp, kAwaitingOk, kLoggedIn };
@@ -43,6 +47,8 @@ class SessionHandler : public FrameHandler {
     asio::awaitable<void> onCredentials(const std::string& payload);
     asio::awaitable<void> onSignUp(const std::string& payload);
     void onLoginConfirmed();
+    // Answers a login that was not checked for load (busy, backing off); false when it was.
+    bool refusedForLoad(const PasswordGate::Outcome& checked);
     void refuseLogin(std::string_view name, std::string_view why);
     void refuseSignUp(std::string_view name, std::string_view why);
     void countFailure();

@@ -6,7 +6,7 @@ namespace tavren::server {
 
 class AccountStore;
 class FeatureTable;
-class PasswordWorker;
+class PasswordGate;
 class PresenceHub;
 
 // What every session works with: the login stages use the accounts, the passwords and the hub;
@@ -16,7 +16,7 @@ struct SessionServices {
     const ServerConfig& config;
     AccountStore& accounts;
     PresenceHub& presence;
-    PasswordWorker& passwords;
+    PasswordGate& passwords;
     const FeatureTable& features;
 };
 

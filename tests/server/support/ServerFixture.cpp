@@ -16,7 +16,13 @@ void ServerFixture::TearDown() {
 }
 
 void ServerFixture::startServer(std::vector<std::string> extraArguments) {
-    std::vector<std::string> arguments{"--db", database_.string(), "--ping-interval", "1"};
+    // Every test client comes from 127.0.0.1, so the per-address rations of connections, sign-ups
+    // and failed logins are wide here; the tests of those limits narrow them again (a later
+    // option wins).
+    std::vector<std::string> arguments{"--db", database_.string(), "--ping-interval", "1",
+                                       "--connect-rate", "100000", "--connect-burst", "10000",
+                                       "--signups-per-hour", "100000", "--login-failures",
+                                       "100000", "--max-password-jobs-per-address", "100"};
     arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     server_ = std::make_unique<TavrendProcess>(arguments, folder_ / "tavrend.log");
 }
