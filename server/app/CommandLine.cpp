@@ -232,6 +232,10 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          [](CommandLine& c, const std::string& v) {
              c.config.rooms.floodInterval = parseSeconds("--flood-interval", v);
          }},
+        {"--vote-time",
+         [](CommandLine& c, const std::string& v) {
+             c.config.rooms.voteTime = parseSeconds("--vote-time", v);
+         }},
         {"--max-buddies",
          [](CommandLine& c, const std::string& v) {
              // Each buddy is one record in every answer to the list, so the bound stays modest.
@@ -362,6 +366,8 @@ Channels ("General" and "Tavren General Chat" always exist):
   --channel-expiry-days N     an empty member channel is removed after this long (default 30)
   --flood-lines N             lines a member may send in a burst (default 10)
   --flood-interval SECONDS    time in which one more line is earned back (default 1)
+  --vote-time SECONDS         a channel vote's result comes after this long at the latest
+                              (default 60)
 
 Private messages share the line length and the line meter with channels. Buddies and presence:
   --max-buddies N             buddies in one buddy list (default 200)

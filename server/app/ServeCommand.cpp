@@ -18,8 +18,15 @@
 #include "server/contacts/StatusLineRequests.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
+#include "server/rooms/ChannelGate.h"
+#include "server/rooms/ChannelInvitations.h"
+#include "server/rooms/ChannelRequests.h"
+#include "server/rooms/ChannelVotes.h"
+#include "server/rooms/ModerationCommands.h"
+#include "server/rooms/OnlineMembers.h"
 #include "server/rooms/RoomRequests.h"
 #include "server/rooms/RoomService.h"
+#include "server/rooms/Sanctions.h"
 #include "server/rooms/ServerCommands.h"
 #include "server/session/FeatureTable.h"
 #include "server/session/SessionHandler.h"
@@ -28,6 +35,7 @@
 #include "server/storage/SqliteBuddyStore.h"
 #include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteDatabase.h"
+#include "server/storage/SqliteModerationStore.h"
 
 namespace tavren::server {
 
@@ -37,6 +45,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteAccountStore accounts(db);
     SqliteChannelStore channels(db);
     SqliteBuddyStore buddies(db);
+    SqliteModerationStore moderationStore(db);
     Log::info("database " + config.databasePath.string());
 
     asio::io_context io(1);
@@ -48,18 +57,28 @@ int ServeCommand::run(const CommandLine& commandLine) {
     AccountRequests accountRequests(accounts, passwords);
     MailboxRequests mailbox;
     StatusLineRequests statusLines(buddyPresence, config.contacts.maxAwayText);
-    RoomService rooms(channels, presence, buddyPresence, config.rooms, io.get_executor());
-    ServerCommands serverCommands(rooms, accounts, presence, config.messageOfTheDay,
-                                  config.rooms.maxTopic);
+    OnlineMembers online;
+    Sanctions sanctions(moderationStore);
+    ChannelInvitations invitations;
+    ChannelGate gate(sanctions, invitations);
+    RoomService rooms(channels, presence, buddyPresence, gate, config.rooms, io.get_executor());
+    ModerationCommands moderation(rooms, accounts, sanctions, online);
+    ChannelVotes votes(rooms, config.rooms.voteTime, io.get_executor());
+    ServerCommands serverCommands(rooms, accounts, presence, moderation, votes,
+                                  config.messageOfTheDay, config.rooms.maxTopic);
+    ChannelRequests channelRequests(rooms, accounts, online, invitations);
     RoomRequests roomRequests(rooms, serverCommands, config.rooms);
     PrivateMessageRequests privateMessages(accounts, presence, config.rooms);
     LocateRequests locate(accounts, presence, rooms);
     BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
     FeatureTable features;
+    // First in, last out: moderation reaches every member for as long as any feature knows them.
+    features.add(online);
     features.add(accountRequests);
     features.add(mailbox);
     features.add(statusLines);
     features.add(roomRequests);
+    features.add(channelRequests);
     features.add(privateMessages);
     features.add(locate);
     // After the rooms: the buddy list follows the line meter at login, and a member who leaves
@@ -67,7 +86,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     features.add(buddyRequests);
     rooms.start();
 
-    const SessionServices services{config, accounts, presence, passwords, features};
+    const SessionServices services{config, accounts, presence, passwords, features, &sanctions};
     Server server(io, config, [&services](ClientLink& link, std::weak_ptr<ClientLink> shared) {
         return std::make_unique<SessionHandler>(services, link, std::move(shared));
     });
@@ -81,6 +100,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
             buddyPresence.stop();
             server.stop();  // every member leaves every channel on the way out
             rooms.stop();
+            votes.stop();
         }
     });
     server.start();

@@ -27,6 +27,8 @@ struct RoomLimits {
     // in hand, one more per interval.
     int floodLines = 10;
     std::chrono::milliseconds floodInterval{1000};
+    // A vote in a channel ends when everybody in it has answered, or after this long.
+    std::chrono::milliseconds voteTime{60000};
 };
 
 // The bounds of private messages, buddy lists and presence. Private messages share the line

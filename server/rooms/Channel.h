@@ -14,6 +14,7 @@ struct Channel {
     bool official = false;
     std::int64_t createdAt = 0;   // seconds since the Unix epoch
     std::int64_t lastUsedAt = 0;  // when it was created or last emptied
+    std::string passwordHash;     // empty for a channel anybody may enter
 };
 
 }  // namespace tavren::server

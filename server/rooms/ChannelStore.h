@@ -23,9 +23,13 @@ class ChannelStore {
     // taken in any spelling.
     virtual bool create(Channel& channel) = 0;
     virtual void setTopic(std::int64_t channelId, const std::string& topic) = 0;
+    // An empty hash takes the password away.
+    virtual void setPasswordHash(std::int64_t channelId, const std::string& passwordHash) = 0;
     virtual void setLastUsed(std::int64_t channelId, std::int64_t when) = 0;
     virtual std::size_t countHostedBy(std::int64_t accountId) = 0;
     virtual std::size_t count() = 0;
+    // Up to `limit` channels, official ones first, each group by name.
+    virtual std::vector<Channel> list(std::size_t limit) = 0;
     // Member channels last used before `cutoff`; official channels never expire.
     virtual std::vector<Channel> unusedSince(std::int64_t cutoff) = 0;
     virtual void remove(std::int64_t channelId) = 0;

@@ -11,13 +11,26 @@ namespace {
 
 constexpr std::size_t kEchoedWordLength = 40;
 
-constexpr std::array<std::pair<std::string_view, RoomCommand::Kind>, 6> kCommands = {{
-    {"/topic", RoomCommand::Kind::kTopic},
-    {"/motd", RoomCommand::Kind::kMotd},
-    {"/stats", RoomCommand::Kind::kStats},
-    {"/time", RoomCommand::Kind::kTime},
-    {"/help", RoomCommand::Kind::kHelp},
-    {"/info", RoomCommand::Kind::kInfo},
+using Kind = RoomCommand::Kind;
+constexpr std::array<std::pair<std::string_view, Kind>, 18> kCommands = {{
+    {"/topic", Kind::kTopic},
+    {"/motd", Kind::kMotd},
+    {"/stats", Kind::kStats},
+    {"/time", Kind::kTime},
+    {"/help", Kind::kHelp},
+    {"/info", Kind::kInfo},
+    {"/kick", Kind::kKick},
+    {"/ban", Kind::kBan},
+    {"/chanban", Kind::kChannelBan},
+    {"/subban", Kind::kSubnetBan},
+    {"/suspend", Kind::kSuspend},
+    {"/unban", Kind::kUnban},
+    {"/unsuspend", Kind::kUnsuspend},
+    {"/ipbans", Kind::kBanList},
+    {"/referal", Kind::kReferral},
+    {"/vote", Kind::kVote},
+    {"/yes", Kind::kYes},
+    {"/no", Kind::kNo},
 }};
 
 }  // namespace
@@ -49,6 +62,16 @@ std::vector<std::string> RoomCommand::helpLines() {
         "/stats - members online, channels, and how long the server has been up",
         "/time - the server's time",
         "/info NAME - when a member joined and where they are now",
+        "/referal NAME - who brought a member here, and whom they brought",
+        "/vote QUESTION - ask the channel a yes-or-no question; /yes and /no answer it",
+        "/kick NAME:REASON - send a member out of the channel (the channel host and staff)",
+        "/chanban NAME:REASON - keep a member out of the channel (the channel host and staff)",
+        "/ban NAME:REASON - keep a member out of every channel (staff of level 2 and 3)",
+        "/suspend NAME - stop an account from logging in (staff of level 2 and 3)",
+        "/subban NAME:REASON - stop logins from a member's address range (staff of level 3)",
+        "/unban NAME or /unban RANGE - lift the bans you may lift",
+        "/unsuspend NAME - let a suspended account log in again (staff of level 2 and 3)",
+        "/ipbans - the bans of this channel (and, for staff, of the server)",
         "/help - this list",
     };
 }

@@ -9,7 +9,27 @@ namespace tavren::server {
 // A server command typed in a channel: a line that starts with "/". The command word is matched
 // without regard to case; the rest, without the blanks around it, is the argument.
 struct RoomCommand {
-    enum class Kind { kTopic, kMotd, kStats, kTime, kHelp, kInfo, kUnknown };
+    enum class Kind {
+        kTopic,
+        kMotd,
+        kStats,
+        kTime,
+        kHelp,
+        kInfo,
+        kKick,
+        kBan,
+        kChannelBan,
+        kSubnetBan,
+        kSuspend,
+        kUnban,
+        kUnsuspend,
+        kBanList,
+        kReferral,
+        kVote,
+        kYes,
+        kNo,
+        kUnknown
+    };
 
     Kind kind = Kind::kUnknown;
     std::string word;      // the command word as typed, at most 40 bytes (echoed when unknown)

@@ -27,7 +27,10 @@ asio::awaitable<void> RoomRequests::handle(Member& member, protocol::CodePair co
     // Nothing here waits: a request is answered whole before the next member's is looked at, so
     // no member sees a channel half-changed.
     if (code == in::kJoinRoom) {
-        rooms_.join(member, payload);
+        // A channel name holds no ":", so what follows one is the password of a protected
+        // channel, sent from the client's password prompt.
+        const auto fields = protocol::SplitFields(payload, protocol::kFieldSeparator, 2);
+        rooms_.join(member, protocol::FieldAt(fields, 0), protocol::FieldAt(fields, 1));
     } else if (code == in::kLeaveRoom) {
         rooms_.leave(member, payload);
     } else if (code == in::kRoomWindowRequest) {

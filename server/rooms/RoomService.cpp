@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 
 #include "core/protocol/Catalogue.h"
 #include "server/base/AsciiText.h"
 #include "server/base/Log.h"
 #include "server/base/Replies.h"
 #include "server/net/PresenceHub.h"
+#include "server/rooms/ChannelGate.h"
+#include "server/rooms/ChannelPassword.h"
 #include "server/rooms/ChannelRules.h"
 #include "server/rooms/ChannelStore.h"
 #include "server/rooms/MemberRank.h"
@@ -38,10 +41,12 @@ std::chrono::steady_clock::duration listWindow(std::size_t members) {
 }  // namespace
 
 RoomService::RoomService(ChannelStore& store, PresenceHub& hub, MembershipListener& membership,
-                         const RoomLimits& limits, asio::any_io_executor executor)
+                         ChannelGate& gate, const RoomLimits& limits,
+                         asio::any_io_executor executor)
     : store_(store),
       hub_(hub),
       membership_(membership),
+      gate_(gate),
       limits_(limits),
       executor_(std::move(executor)),
       sweepTimer_(executor_) {}
@@ -105,9 +110,7 @@ void RoomService::removeExpired() {
     }
 }
 
-void RoomService::join(Member& member, std::string_view requestedName) {
-    const std::string_view name = AsciiText::trimBlanks(requestedName);
-    const std::string key = AsciiText::lower(name);
+RoomService::MemberChannels& RoomService::ownChannels(const Member& member) {
     const std::string memberKey = AsciiText::lower(member.name());
     MemberChannels& mine = memberChannels_[memberKey];
     if (mine.sessionId != member.sessionId) {
@@ -117,15 +120,30 @@ void RoomService::join(Member& member, std::string_view requestedName) {
         }
         mine.sessionId = member.sessionId;
     }
+    return mine;
+}
+
+std::string RoomService::tooManyChannels(const Member& member) {
+    const std::size_t count = ownChannels(member).keys.size();
+    if (count < limits_.maxChannelsPerMember) {
+        return {};
+    }
+    return "you are in " + std::to_string(count) + " channels already; leave one first.";
+}
+
+void RoomService::join(Member& member, std::string_view requestedName, std::string_view password) {
+    const std::string_view name = AsciiText::trimBlanks(requestedName);
+    const std::string key = AsciiText::lower(name);
+    ownChannels(member);
     if (ActiveChannel* channel = channelOf(member, name)) {
         answerJoin(member, *channel, true);
         return;
     }
-    if (mine.keys.size() >= limits_.maxChannelsPerMember) {
-        refuseJoin(member, name,
-                   "you are in " + std::to_string(mine.keys.size()) +
-                       " channels already; leave one first.");
-        return;
+    for (const std::string& why : {gate_.refusalEverywhere(member), tooManyChannels(member)}) {
+        if (!why.empty()) {
+            refuseJoin(member, name, why);
+            return;
+        }
     }
     ActiveChannel* channel = activate(member, name, key);
     if (channel == nullptr) {
@@ -135,6 +153,20 @@ void RoomService::join(Member& member, std::string_view requestedName) {
         refuseJoin(member, name, "the channel is full.");
         return;
     }
+    const ChannelGate::Verdict verdict = gate_.mayEnter(member, channel->channel, password);
+    switch (verdict.kind) {
+        case ChannelGate::Verdict::Kind::kRefuse:
+            refuseJoin(member, name, verdict.why);
+            return;
+        case ChannelGate::Verdict::Kind::kAskPassword:
+            // The client shows its password prompt with the sentence, and joins again with it.
+            member.link.send(out::kJoinedRoom, channel->channel.name + ":" + verdict.why);
+            releaseIfEmpty(key);
+            return;
+        case ChannelGate::Verdict::Kind::kEnter:
+            break;
+    }
+    const std::string memberKey = AsciiText::lower(member.name());
     channel->members[memberKey] = ChannelMember{member.name(), member.account.id,
                                                 member.account.staffLevel, member.sessionId};
     channel->names.push_back(member.name());
@@ -142,18 +174,71 @@ void RoomService::join(Member& member, std::string_view requestedName) {
     keys.push_back(key);
     answerJoin(member, *channel, false);
     if (keys.size() == 1) {
-        tellFirstChannel(member, keys);
+        tellFirstChannel(member.name(), member.sessionId, keys);
+    }
+    gate_.entered(member, channel->channel);
+}
+
+void RoomService::create(Member& member, std::string_view requestedName, std::string_view password,
+                         std::string_view topic) {
+    const std::string_view name = AsciiText::trimBlanks(requestedName);
+    const std::string cleanTopic(AsciiText::trimBlanks(topic));
+    std::string why = gate_.refusalEverywhere(member);
+    if (why.empty()) {
+        why = ChannelRules::checkName(name);
+    }
+    if (why.empty() && store_.findByName(name)) {
+        why = "a channel of that name exists already.";
+    }
+    if (why.empty() && store_.countHostedBy(member.account.id) >= limits_.maxHostedChannels) {
+        why = "you host " + std::to_string(limits_.maxHostedChannels) +
+              " channels already, the most one member may.";
+    }
+    for (const std::string& problem : {tooManyChannels(member), ChannelPassword::check(password),
+                                       ChannelRules::checkTopic(cleanTopic, limits_.maxTopic)}) {
+        if (why.empty()) {
+            why = problem;
+        }
+    }
+    Channel created;
+    if (why.empty()) {
+        created.name = std::string(name);
+        created.topic = cleanTopic;
+        created.hostId = member.account.id;
+        created.createdAt = created.lastUsedAt = unixNow();
+        if (!store_.create(created)) {
+            why = "a channel of that name exists already.";
+        }
+    }
+    if (!why.empty()) {
+        Log::info(member.name() + " cannot create " + Log::quoted(name) + ": " + why);
+        member.link.send(replies::kNotice,
+                         "You cannot create \"" + ChannelRules::echo(name) + "\": " + why);
+        return;
+    }
+    if (!password.empty()) {
+        store_.setPasswordHash(created.id, ChannelPassword::hash(password));
+    }
+    Log::info(member.name() + " created the channel " + Log::quoted(created.name) +
+              (password.empty() ? "" : " with a password"));
+    join(member, created.name);
+    if (ActiveChannel* channel = channelOf(member, created.name)) {
+        tellMember(member, *channel,
+                   password.empty() ? "You created this channel and host it."
+                                    : "You created this channel and host it. Others join it "
+                                      "with its password or an invitation.");
     }
 }
 
-void RoomService::tellFirstChannel(const Member& member, const std::vector<std::string>& keys) {
+void RoomService::tellFirstChannel(const std::string& memberName, std::uint64_t sessionId,
+                                   const std::vector<std::string>& keys) {
     std::string first;
     if (!keys.empty()) {
         if (const auto found = active_.find(keys.front()); found != active_.end()) {
             first = found->second->channel.name;
         }
     }
-    membership_.firstChannelChanged(member.name(), member.sessionId, first);
+    membership_.firstChannelChanged(memberName, sessionId, first);
 }
 
 ActiveChannel* RoomService::activate(Member& member, std::string_view name,
@@ -199,8 +284,11 @@ void RoomService::refuseJoin(Member& member, std::string_view name, std::string_
     Log::info(member.name() + " cannot join " + Log::quoted(name) + ": " + std::string(why));
     member.link.send(replies::kNotice,
                      "You cannot join \"" + ChannelRules::echo(name) + "\": " + std::string(why));
-    // A channel activated for this join but not joined goes back to the store.
-    const auto key = AsciiText::lower(AsciiText::trimBlanks(name));
+    releaseIfEmpty(AsciiText::lower(AsciiText::trimBlanks(name)));
+}
+
+void RoomService::releaseIfEmpty(const std::string& key) {
+    // A channel activated for a join but not joined goes back to the store.
     if (const auto found = active_.find(key);
         found != active_.end() && found->second->members.empty()) {
         active_.erase(found);
@@ -232,7 +320,7 @@ void RoomService::leave(Member& member, std::string_view requestedName) {
     keys.erase(std::remove(keys.begin(), keys.end(), key), keys.end());
     removeMember(key, memberKey);
     if (wasFirst) {
-        tellFirstChannel(member, keys);
+        tellFirstChannel(member.name(), member.sessionId, keys);
     }
 }
 
@@ -248,8 +336,70 @@ void RoomService::leaveAll(Member& member) {
         removeMember(key, memberKey);
     }
     if (!keys.empty()) {
-        tellFirstChannel(member, {});
+        tellFirstChannel(member.name(), member.sessionId, {});
     }
+}
+
+bool RoomService::remove(std::string_view memberName, ActiveChannel& channel,
+                         std::string_view why) {
+    const std::string memberKey = AsciiText::lower(memberName);
+    const auto found = channel.members.find(memberKey);
+    if (found == channel.members.end()) {
+        return false;
+    }
+    const ChannelMember removed = found->second;
+    const std::string key = AsciiText::lower(channel.channel.name);
+    hub_.sendTo(std::span(&removed.name, 1), out::kRemovedFromRoom,
+                channel.channel.name + ":" + std::string(why));
+    bool wasFirst = false;
+    const auto mine = memberChannels_.find(memberKey);
+    if (mine != memberChannels_.end() && mine->second.sessionId == removed.sessionId) {
+        auto& keys = mine->second.keys;
+        wasFirst = !keys.empty() && keys.front() == key;
+        keys.erase(std::remove(keys.begin(), keys.end(), key), keys.end());
+    }
+    // The channel itself goes when this was its last member.
+    removeMember(key, memberKey);
+    if (wasFirst) {
+        tellFirstChannel(removed.name, removed.sessionId, mine->second.keys);
+    }
+    return true;
+}
+
+ActiveChannel* RoomService::active(std::string_view name) {
+    const auto found = active_.find(AsciiText::lower(name));
+    return found == active_.end() ? nullptr : found->second.get();
+}
+
+std::vector<RoomService::Listed> RoomService::directory(std::size_t limit) {
+    std::vector<Listed> listed;
+    listed.reserve(active_.size());
+    for (const auto& [key, channel] : active_) {
+        listed.push_back({channel->channel, channel->members.size()});
+    }
+    std::sort(listed.begin(), listed.end(), [](const Listed& a, const Listed& b) {
+        if (a.members != b.members) {
+            return a.members > b.members;
+        }
+        if (a.channel.official != b.channel.official) {
+            return a.channel.official;
+        }
+        return AsciiText::lessNoCase(a.channel.name, b.channel.name);
+    });
+    if (listed.size() > limit) {
+        listed.resize(limit);
+        return listed;
+    }
+    // Then the empty ones, as the store orders them: official first, then by name.
+    for (Channel& stored : store_.list(limit + active_.size())) {
+        if (listed.size() >= limit) {
+            break;
+        }
+        if (!active_.contains(AsciiText::lower(stored.name))) {
+            listed.push_back({std::move(stored), 0});
+        }
+    }
+    return listed;
 }
 
 void RoomService::removeMember(const std::string& channelKey, const std::string& memberKey) {

@@ -14,6 +14,7 @@
 
 namespace tavren::server {
 
+class ChannelGate;
 class ChannelStore;
 class MembershipListener;
 class PresenceHub;
@@ -29,9 +30,9 @@ struct Member;
 // second, however fast members come and go. A joiner always gets the current list at once.
 class RoomService {
   public:
-    // `membership` hears of every change of a member's first channel.
+    // `membership` hears of every change of a member's first channel; `gate` decides who gets in.
     RoomService(ChannelStore& store, PresenceHub& hub, MembershipListener& membership,
-                const RoomLimits& limits, asio::any_io_executor executor);
+                ChannelGate& gate, const RoomLimits& limits, asio::any_io_executor executor);
 
     // Makes the configured channels official, clears expired channels, and clears them again
     // every hour from then on.
@@ -39,9 +40,29 @@ class RoomService {
     // Stops the hourly upkeep and any pending list, so that the event loop can run out of work.
     void stop();
 
-    void join(Member& member, std::string_view requestedName);
+    // Joins (and, when there is no such channel, creates) a channel. A protected channel that does
+    // not let the member in as they are asks for its password with (2, 4) channel ":" sentence.
+    void join(Member& member, std::string_view requestedName, std::string_view password = {});
+    // Creates a channel with a password (empty for none) and a topic, hosted by the member, who
+    // joins it. Refusals are notices.
+    void create(Member& member, std::string_view requestedName, std::string_view password,
+                std::string_view topic);
     void leave(Member& member, std::string_view requestedName);
     void leaveAll(Member& member);
+    // Takes a member out of a channel on somebody else's word: the member gets (2, 20) channel
+    // ":" why, the others the new member list. False when the member is not in it.
+    bool remove(std::string_view memberName, ActiveChannel& channel, std::string_view why);
+
+    // The channel of that name that somebody is in, or nullptr.
+    ActiveChannel* active(std::string_view name);
+    // A channel of the directory: the stored channel and how many members are in it now.
+    struct Listed {
+        Channel channel;
+        std::size_t members = 0;
+    };
+    // Up to `limit` channels: those in use first, the busiest first, official before member
+    // channels, then by name.
+    std::vector<Listed> directory(std::size_t limit);
 
     // The channel of that name if this member (this login) is in it; nullptr otherwise.
     ActiveChannel* channelOf(const Member& member, std::string_view name);
@@ -65,7 +86,11 @@ class RoomService {
         std::vector<std::string> keys;  // lower-case channel names, in the order joined
     };
 
+    // The member's own channels, after dropping what an earlier login of the account left.
+    MemberChannels& ownChannels(const Member& member);
+    std::string tooManyChannels(const Member& member);
     ActiveChannel* activate(Member& member, std::string_view name, const std::string& key);
+    void releaseIfEmpty(const std::string& key);
     void refuseJoin(Member& member, std::string_view name, std::string_view why);
     void answerJoin(Member& member, ActiveChannel& channel, bool nothingChanged);
     // Takes the member out of the channel, leaving the member's own index to the caller.
@@ -74,12 +99,14 @@ class RoomService {
     void sendListToAll(ActiveChannel& channel);
     std::string listPayload(const ActiveChannel& channel) const;
     void scheduleSweep();
-    void tellFirstChannel(const Member& member, const std::vector<std::string>& keys);
+    void tellFirstChannel(const std::string& memberName, std::uint64_t sessionId,
+                          const std::vector<std::string>& keys);
     static std::int64_t unixNow();
 
     ChannelStore& store_;
     PresenceHub& hub_;
     MembershipListener& membership_;
+    ChannelGate& gate_;
     const RoomLimits& limits_;
     asio::any_io_executor executor_;
     asio::steady_timer sweepTimer_;

@@ -7,6 +7,8 @@
 #include "server/base/Log.h"
 #include "server/net/PresenceHub.h"
 #include "server/rooms/ChannelRules.h"
+#include "server/rooms/ChannelVotes.h"
+#include "server/rooms/ModerationCommands.h"
 #include "server/rooms/RoomService.h"
 #include "server/session/Member.h"
 
@@ -37,10 +39,13 @@ std::string joinNames(const std::vector<std::string>& names) {
 }  // namespace
 
 ServerCommands::ServerCommands(RoomService& rooms, AccountStore& accounts, PresenceHub& hub,
+                               ModerationCommands& moderation, ChannelVotes& votes,
                                const std::string& messageOfTheDay, std::size_t maxTopic)
     : rooms_(rooms),
       accounts_(accounts),
       hub_(hub),
+      moderation_(moderation),
+      votes_(votes),
       messageOfTheDay_(messageOfTheDay),
       maxTopic_(maxTopic) {}
 
@@ -77,6 +82,24 @@ void ServerCommands::run(Member& member, ActiveChannel& channel, std::string_vie
             return;
         case RoomCommand::Kind::kInfo:
             rooms_.tellMember(member, channel, info(command.argument));
+            return;
+        case RoomCommand::Kind::kKick:
+        case RoomCommand::Kind::kBan:
+        case RoomCommand::Kind::kChannelBan:
+        case RoomCommand::Kind::kSubnetBan:
+        case RoomCommand::Kind::kSuspend:
+        case RoomCommand::Kind::kUnban:
+        case RoomCommand::Kind::kUnsuspend:
+        case RoomCommand::Kind::kBanList:
+        case RoomCommand::Kind::kReferral:
+            moderation_.run(command.kind, member, channel, command.argument);
+            return;
+        case RoomCommand::Kind::kVote:
+            votes_.ask(member, channel, command.argument);
+            return;
+        case RoomCommand::Kind::kYes:
+        case RoomCommand::Kind::kNo:
+            votes_.answer(member, channel, command.kind == RoomCommand::Kind::kYes);
             return;
         case RoomCommand::Kind::kUnknown:
             rooms_.tellMember(member, channel,

@@ -11,6 +11,7 @@
 #include "server/base/Replies.h"
 #include "server/net/PresenceHub.h"
 #include "server/session/FeatureTable.h"
+#include "server/session/LoginGate.h"
 #include "server/storage/StorageError.h"
 
 #ifndef TAVREND_VERSION
@@ -161,6 +162,17 @@ asio::awaitable<void> SessionHandler::onCredentials(const std::string& payload) 
         refuseLogin(name, account ? "wrong password" : "unknown name");
         co_return;
     }
+    if (services_.gate != nullptr) {
+        // Said only to whoever knows the password, so it tells nobody else that the name exists.
+        if (const std::string why = services_.gate->loginRefusal(*account, link_.peerAddress());
+            !why.empty()) {
+            Log::info("login refused for " + account->name + " from " + link_.peerAddress() + ": " +
+                      why);
+            link_.send(replies::kLoginResult, why);
+            countFailure();
+            co_return;
+        }
+    }
     link_.send(out::kAccountRefresh, AccountRequests::refreshPayload(*account));
     pendingAccount_ = std::move(account);
     stage_ = Stage::kAwaitingOk;
@@ -198,6 +210,13 @@ asio::awaitable<void> SessionHandler::onSignUp(const std::string& payload) {
     if (accountCreated_) {
         refuseSignUp("", "One new account per connection.");
         co_return;
+    }
+    if (services_.gate != nullptr) {
+        if (const std::string why = services_.gate->signUpRefusal(link_.peerAddress());
+            !why.empty()) {
+            refuseSignUp("", why);
+            co_return;
+        }
     }
     const auto fields = SplitFields(payload, protocol::kFieldSeparator, 3);
     Account account;

@@ -6,6 +6,7 @@ namespace tavren::server {
 
 class AccountStore;
 class FeatureTable;
+class LoginGate;
 class PasswordGate;
 class PresenceHub;
 
@@ -18,6 +19,8 @@ struct SessionServices {
     PresenceHub& presence;
     PasswordGate& passwords;
     const FeatureTable& features;
+    // Bans and suspensions that keep a member from logging in or signing up; none when null.
+    LoginGate* gate = nullptr;
 };
 
 }  // namespace tavren::server

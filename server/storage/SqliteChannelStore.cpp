@@ -1,5 +1,8 @@
 #include "server/storage/SqliteChannelStore.h"
 
+#include <algorithm>
+#include <cstdint>
+
 #include "server/storage/SqliteDatabase.h"
 #include "server/storage/SqliteStatement.h"
 
@@ -8,7 +11,9 @@ namespace tavren::server {
 namespace {
 
 constexpr const char* kColumns =
-    "SELECT id, name, topic, host_id, official, created_at, last_used_at FROM channels ";
+    "SELECT id, name, topic, host_id, official, created_at, last_used_at,"
+    " (SELECT password_hash FROM channel_passwords WHERE channel_id = channels.id)"
+    " FROM channels ";
 
 Channel readChannel(const SqliteStatement& row) {
     Channel channel;
@@ -19,6 +24,7 @@ Channel readChannel(const SqliteStatement& row) {
     channel.official = row.columnInt64(4) != 0;
     channel.createdAt = row.columnInt64(5);
     channel.lastUsedAt = row.columnInt64(6);
+    channel.passwordHash = row.columnText(7);  // NULL reads as empty: no password
     return channel;
 }
 
@@ -61,6 +67,21 @@ void SqliteChannelStore::setTopic(std::int64_t channelId, const std::string& top
     update.execute();
 }
 
+void SqliteChannelStore::setPasswordHash(std::int64_t channelId, const std::string& passwordHash) {
+    if (passwordHash.empty()) {
+        SqliteStatement erase(db_, "DELETE FROM channel_passwords WHERE channel_id = ?1");
+        erase.bind(1, channelId);
+        erase.execute();
+        return;
+    }
+    SqliteStatement upsert(
+        db_,
+        "INSERT INTO channel_passwords (channel_id, password_hash) VALUES (?1, ?2)"
+        " ON CONFLICT(channel_id) DO UPDATE SET password_hash = ?2");
+    upsert.bind(1, channelId).bind(2, passwordHash);
+    upsert.execute();
+}
+
 void SqliteChannelStore::setLastUsed(std::int64_t channelId, std::int64_t when) {
     SqliteStatement update(db_, "UPDATE channels SET last_used_at = ?2 WHERE id = ?1");
     update.bind(1, channelId).bind(2, when);
@@ -78,6 +99,16 @@ std::size_t SqliteChannelStore::count() {
     SqliteStatement query(db_, "SELECT COUNT(*) FROM channels");
     query.step();
     return static_cast<std::size_t>(query.columnInt64(0));
+}
+
+std::vector<Channel> SqliteChannelStore::list(std::size_t limit) {
+    SqliteStatement query(db_, std::string(kColumns) + "ORDER BY official DESC, name LIMIT ?1");
+    query.bind(1, static_cast<std::int64_t>(std::min<std::size_t>(limit, INT32_MAX)));
+    std::vector<Channel> channels;
+    while (query.step()) {
+        channels.push_back(readChannel(query));
+    }
+    return channels;
 }
 
 std::vector<Channel> SqliteChannelStore::unusedSince(std::int64_t cutoff) {

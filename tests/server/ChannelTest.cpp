@@ -357,15 +357,18 @@ TEST_F(ChannelTest, ServerCommandsAnswerTheMemberWhoAsked) {
     EXPECT_EQ(ask("/info"), "Whom? Type /info and a member's name.");
     EXPECT_EQ(ask("/info a\x01" + std::string(100, 'b')),
               "There is no member called a?" + std::string(38, 'b') + ".");
-    EXPECT_EQ(ask("/kick bob:bye"),
-              "Unknown command \"/kick\". Type /help for the commands this server knows.");
+    EXPECT_EQ(ask("/kickout bob:bye"),
+              "Unknown command \"/kickout\". Type /help for the commands this server knows.");
     EXPECT_EQ(ask("/" + std::string(500, 'y')), "Unknown command \"/" + std::string(39, 'y') +
                                                     "\". Type /help for the commands this server "
                                                     "knows.");
     say(*alice, "Command Room", "/help");
     EXPECT_EQ(line(*alice), prefix + "Commands of this server:");
     for (const char* command :
-         {"/topic", "/topic TEXT", "/motd", "/stats", "/time", "/info NAME", "/help"}) {
+         {"/topic", "/topic TEXT", "/motd", "/stats", "/time", "/info NAME", "/referal NAME",
+          "/vote QUESTION", "/kick NAME:REASON", "/chanban NAME:REASON", "/ban NAME:REASON",
+          "/suspend NAME", "/subban NAME:REASON", "/unban NAME or /unban RANGE", "/unsuspend NAME",
+          "/ipbans", "/help"}) {
         EXPECT_EQ(line(*alice).rfind(prefix + command + " - ", 0), 0u) << command;
     }
 

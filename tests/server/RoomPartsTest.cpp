@@ -105,7 +105,7 @@ TEST(RoomCommandTest, WordsMatchWithoutCaseArgumentsLoseTheirBlanksUnknownWordsA
     EXPECT_EQ(topic.argument, "new: topic");
     EXPECT_EQ(RoomCommand::parse("/topic").argument, "");
     EXPECT_EQ(RoomCommand::parse("/Info alice").kind, RoomCommand::Kind::kInfo);
-    for (const char* unknown : {"/topics", "/ topic", "/kick bob:bye", "/", "/info\tx"}) {
+    for (const char* unknown : {"/topics", "/ topic", "/kickban bob:bye", "/", "/info\tx"}) {
         EXPECT_EQ(RoomCommand::parse(unknown).kind, RoomCommand::Kind::kUnknown) << unknown;
     }
     EXPECT_EQ(RoomCommand::parse("/" + std::string(500, 'y')).word.size(), 40u);
