@@ -29,7 +29,8 @@ RoomInput RoomInput::classify(const QString& input) {
     }
     if (lower.startsWith(QLatin1String("/weather "))) {
         const QString code = input.mid(9);
-        return isPostalCode(code) ? RoomInput{Kind::Weather, code} : RoomInput{Kind::KeepTyping, {}};
+        return isPostalCode(code) ? RoomInput{Kind::Weather, code}
+                                  : RoomInput{Kind::KeepTyping, {}};
     }
     static const std::array<std::pair<const char*, Kind>, 7> kPrefixes = {{
         {"/radio", Kind::Radio},

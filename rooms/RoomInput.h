@@ -10,22 +10,22 @@ namespace tavren {
 // comparison ignores letter case, the argument keeps the capitals as typed.
 struct RoomInput {
     enum class Kind {
-        Nothing,        // empty input: nothing is sent, the box is emptied
-        KeepTyping,     // "/weather " with a rest that is not a postal code: the box keeps it
-        Join,           // "/join " channel
-        Invite,         // "/invite " user
-        Weather,        // "/weather " postal code
-        Radio,          // "/radio"
-        EditProfile,    // "/editprofile"
-        News,           // "/news"
-        Config,         // "/config"
-        FindChannels,   // "/findchan"
-        Format,         // "/format"
-        About,          // "/about"
-        Clear,          // exactly "/clear"
-        Exit,           // exactly "/exit"
-        Leave,          // exactly "/leave"
-        ChannelLine,    // everything else, sent as typed
+        Nothing,       // empty input: nothing is sent, the box is emptied
+        KeepTyping,    // "/weather " with a rest that is not a postal code: the box keeps it
+        Join,          // "/join " channel
+        Invite,        // "/invite " user
+        Weather,       // "/weather " postal code
+        Radio,         // "/radio"
+        EditProfile,   // "/editprofile"
+        News,          // "/news"
+        Config,        // "/config"
+        FindChannels,  // "/findchan"
+        Format,        // "/format"
+        About,         // "/about"
+        Clear,         // exactly "/clear"
+        Exit,          // exactly "/exit"
+        Leave,         // exactly "/leave"
+        ChannelLine,   // everything else, sent as typed
     };
 
     Kind kind = Kind::Nothing;

@@ -26,8 +26,7 @@ void RoomInputBox::remember(const QString& line) {
 void RoomInputBox::insertCode(const QString& code) {
     // A code glued to the word before it would not be read as a smiley by everyone.
     const QString before = text().left(cursorPosition());
-    insert(before.isEmpty() || before.endsWith(QLatin1Char(' ')) ? code
-                                                                  : QLatin1Char(' ') + code);
+    insert(before.isEmpty() || before.endsWith(QLatin1Char(' ')) ? code : QLatin1Char(' ') + code);
     setFocus();
 }
 

@@ -18,8 +18,9 @@ TEST(DesktopNoticesTest, ShownOnlyWhenWantedAndInTheBackground) {
     bool inFront = false;
     DesktopNotices notices(settings, nullptr, [&] { return inFront; });
     QStringList shown;
-    notices.setShower(
-        [&](const QString& title, const QString& text) { shown << title + QLatin1Char('|') + text; });
+    notices.setShower([&](const QString& title, const QString& text) {
+        shown << title + QLatin1Char('|') + text;
+    });
     QStringList wanted;
     QObject::connect(&notices, &DesktopNotices::conversationWanted,
                      [&](const QString& user) { wanted << user; });

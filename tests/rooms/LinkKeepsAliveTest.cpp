@@ -48,8 +48,8 @@ TEST_F(LinkKeepsAliveTest, PingsAreAnsweredWhileAHandlerWaits) {
     ASSERT_TRUE(alice.waitForMembers(general, {QStringLiteral("alice"), QStringLiteral("bob")}));
 
     bool waited = false;
-    QObject::connect(&alice.session->server(), &ServerSession::noticeArrived,
-                     alice.session.get(), [&] {
+    QObject::connect(&alice.session->server(), &ServerSession::noticeArrived, alice.session.get(),
+                     [&] {
                          if (waited) {
                              return;
                          }
@@ -90,7 +90,8 @@ TEST_F(LinkKeepsAliveTest, AnOpenNoticeBoxDoesNotCostTheConnection) {
     values.serverPort = QString::number(server->port());
     session.settings().setValues(values);
     LoginFlow& login = session.server().login();
-    login.select(session.server().accounts().add(QStringLiteral("alice"), QStringLiteral("secret")));
+    login.select(
+        session.server().accounts().add(QStringLiteral("alice"), QStringLiteral("secret")));
     login.clickLoginButton();
     ASSERT_TRUE(waitUntil([&] { return session.server().online(); }));
 

@@ -19,10 +19,13 @@ class NoWindows : public RoomCommandHost {
 }  // namespace
 
 RoomClient::RoomClient()
-    : session(std::make_unique<ClientSession>(dir.path(), dir.filePath(QStringLiteral("settings.ini")),
+    : session(std::make_unique<ClientSession>(dir.path(),
+                                              dir.filePath(QStringLiteral("settings.ini")),
                                               ClientUnderTest::fastOptions(), prompter)) {
     QObject::connect(&session->rooms(), &RoomSession::lineAdded, session.get(),
-                     [this](int pane, const QString& html) { lines.push_back({pane, html}); });
+                     [this](int pane, const QString& html) {
+                         lines.push_back({pane, html});
+                     });
 }
 
 void RoomClient::logIn(quint16 port, const QString& name, const QString& password) {

@@ -72,9 +72,8 @@ TEST(MemberListUpdateTest, ListsNeedAColonAndASemicolon) {
 
     const auto ranked = MemberListUpdate::parse(QStringLiteral("Lobby:@\u00B3root;@alice;;bob;"));
     ASSERT_TRUE(ranked);
-    EXPECT_EQ(ranked->names,
-              QStringList({QStringLiteral("@\u00B3root"), QStringLiteral("@alice"),
-                           QStringLiteral("bob")}));
+    EXPECT_EQ(ranked->names, QStringList({QStringLiteral("@\u00B3root"), QStringLiteral("@alice"),
+                                          QStringLiteral("bob")}));
 }
 
 TEST(ChannelLineTest, TextKeepsItsColonsAndTheFormatRidesOnTheSender) {
