@@ -154,7 +154,7 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
          }},
         {"--memory-budget",
          [](CommandLine& c, const std::string& v) {
-             c.config.memoryBudget = parseNumber<std::size_t>("--memory-budget", v, 16, 1u << 20)
+             c.config.memoryBudget = parseNumber<std::size_t>("--memory-budget", v, 4, 1u << 20)
                                      << 20;
          }},
         {"--max-password-jobs",

@@ -14,10 +14,19 @@
 
 namespace tavren::test {
 
-RawClient::RawClient(std::uint16_t port, int receiveBuffer) {
+RawClient::RawClient(std::uint16_t port, int receiveBuffer, const char* sourceAddress) {
     fd_ = socket(AF_INET, SOCK_STREAM, 0);
     if (receiveBuffer > 0) {
         setsockopt(fd_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
+    }
+    if (sourceAddress != nullptr) {
+        sockaddr_in source{};
+        source.sin_family = AF_INET;
+        inet_pton(AF_INET, sourceAddress, &source.sin_addr);
+        if (bind(fd_, reinterpret_cast<sockaddr*>(&source), sizeof source) != 0) {
+            close(fd_);
+            throw std::runtime_error(std::string("cannot bind to ") + sourceAddress);
+        }
     }
     sockaddr_in address{};
     address.sin_family = AF_INET;

@@ -18,8 +18,11 @@ namespace tavren::test {
 // told otherwise.
 class RawClient {
   public:
-    // `receiveBuffer` > 0 shrinks the kernel receive buffer (set before connecting).
-    explicit RawClient(std::uint16_t port, int receiveBuffer = 0);
+    // `receiveBuffer` > 0 shrinks the kernel receive buffer (set before connecting). A
+    // `sourceAddress` other than 127.0.0.1 (any of 127.0.0.0/8) makes the client another host to
+    // the server's per-address limits.
+    explicit RawClient(std::uint16_t port, int receiveBuffer = 0,
+                       const char* sourceAddress = nullptr);
     ~RawClient();
     RawClient(const RawClient&) = delete;
     RawClient& operator=(const RawClient&) = delete;
@@ -35,6 +38,8 @@ class RawClient {
                            std::chrono::milliseconds timeout = std::chrono::seconds(5));
     // Reads and throws away frames until the server closes; false if it has not closed in time.
     bool waitClosed(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    // True once the server has closed the connection (as seen by the last read).
+    bool closed() const { return closed_; }
 
     void setAnswerPings(bool answer) { answerPings_ = answer; }
     // Frames with this code are skipped like pings from now on (the online count, say, which

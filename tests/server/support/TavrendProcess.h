@@ -32,6 +32,7 @@ class TavrendProcess {
     TavrendProcess& operator=(const TavrendProcess&) = delete;
 
     std::uint16_t port() const { return port_; }
+    pid_t pid() const { return pid_; }
     // SIGTERM, then wait; returns the exit code (-1 if it had to be killed or died of a signal).
     int stop(std::chrono::milliseconds grace = std::chrono::seconds(10));
     std::string log() const;
