@@ -261,6 +261,32 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.contacts.presenceInterval =
                  std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(seconds * 1000)));
          }},
+        {"--max-mail-body",
+         [](CommandLine& c, const std::string& v) {
+             // A full inbox goes in one payload: kept mails times this must stay below 1 MiB.
+             c.config.mail.maxBody = parseNumber<std::size_t>("--max-mail-body", v, 1, 8000);
+         }},
+        {"--max-mail-subject",
+         [](CommandLine& c, const std::string& v) {
+             c.config.mail.maxSubject = parseNumber<std::size_t>("--max-mail-subject", v, 1, 200);
+         }},
+        {"--max-mail-to",
+         [](CommandLine& c, const std::string& v) {
+             c.config.mail.maxAddressees = parseNumber<std::size_t>("--max-mail-to", v, 1, 200);
+         }},
+        {"--max-mails",
+         [](CommandLine& c, const std::string& v) {
+             c.config.mail.maxKept = parseNumber<std::size_t>("--max-mails", v, 1, 100);
+         }},
+        {"--max-profile",
+         [](CommandLine& c, const std::string& v) {
+             c.config.directory.maxProfile = parseNumber<std::size_t>("--max-profile", v, 1, 10000);
+         }},
+        {"--max-search-results",
+         [](CommandLine& c, const std::string& v) {
+             c.config.directory.maxSearchResults =
+                 parseNumber<std::size_t>("--max-search-results", v, 1, 500);
+         }},
         {"--staff",
          [](CommandLine& c, const std::string& v) {
              c.staffLevel = parseNumber<int>("--staff", v, 1, 3);
@@ -377,6 +403,15 @@ Private messages share the line length and the line meter with channels. Buddies
                               (default 600)
   --presence-interval SECONDS a member's presence goes to the watchers at most this often; changes
                               in between go out together at its end (default 1; 0: at once)
+
+Offline mail, profiles and member search:
+  --max-mail-body BYTES       longest mail body (default 4000, highest 8000)
+  --max-mail-subject BYTES    longest mail subject (default 100)
+  --max-mail-to N             members one mail goes to (default 20)
+  --max-mails N               mails one inbox keeps; a full inbox refuses more (default and
+                              highest 100)
+  --max-profile BYTES         longest profile page (default and highest 10000)
+  --max-search-results N      members one search answers with (default 50)
 )";
 }
 

@@ -15,6 +15,8 @@
 #include "server/contacts/MailboxRequests.h"
 #include "server/contacts/PresenceService.h"
 #include "server/contacts/PrivateMessageRequests.h"
+#include "server/contacts/ProfileRequests.h"
+#include "server/contacts/SearchRequests.h"
 #include "server/contacts/StatusLineRequests.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
@@ -36,6 +38,9 @@
 #include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteDatabase.h"
 #include "server/storage/SqliteModerationStore.h"
+#include "server/storage/SqliteMailStore.h"
+#include "server/storage/SqliteMemberDirectory.h"
+#include "server/storage/SqliteProfileStore.h"
 
 namespace tavren::server {
 
@@ -46,6 +51,9 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteChannelStore channels(db);
     SqliteBuddyStore buddies(db);
     SqliteModerationStore moderationStore(db);
+    SqliteMailStore mailStore(db);
+    SqliteProfileStore profileStore(db);
+    SqliteMemberDirectory memberDirectory(db);
     Log::info("database " + config.databasePath.string());
 
     asio::io_context io(1);
@@ -55,7 +63,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
 
     PresenceService buddyPresence(presence, config.contacts, io.get_executor());
     AccountRequests accountRequests(accounts, passwords);
-    MailboxRequests mailbox;
+    MailboxRequests mailbox(accounts, mailStore, presence, config.mail);
     StatusLineRequests statusLines(buddyPresence, config.contacts.maxAwayText);
     OnlineMembers online;
     Sanctions sanctions(moderationStore);
@@ -71,6 +79,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
     PrivateMessageRequests privateMessages(accounts, presence, config.rooms);
     LocateRequests locate(accounts, presence, rooms);
     BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
+    ProfileRequests profiles(accounts, profileStore, config.directory);
+    SearchRequests search(memberDirectory, presence, rooms, config.directory);
     FeatureTable features;
     // First in, last out: moderation reaches every member for as long as any feature knows them.
     features.add(online);
@@ -84,6 +94,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
     // After the rooms: the buddy list follows the line meter at login, and a member who leaves
     // is offline to the watchers before its channels are left (which then tell nobody).
     features.add(buddyRequests);
+    features.add(profiles);
+    features.add(search);
     rooms.start();
 
     const SessionServices services{config, accounts, presence, passwords, features, &sanctions};

@@ -44,6 +44,21 @@ struct ContactLimits {
     std::chrono::milliseconds presenceInterval{1000};
 };
 
+// The bounds of offline mail. Every inbox goes whole in one payload, so the kept mails times the
+// body length stay far below the largest payload (100 x 4000 bytes by default).
+struct MailLimits {
+    std::size_t maxBody = 4000;      // bytes of one message's body
+    std::size_t maxSubject = 100;    // bytes of its subject
+    std::size_t maxAddressees = 20;  // members one message goes to
+    std::size_t maxKept = 100;       // mails one inbox holds; a full box refuses more
+};
+
+// The bounds of profiles and member search.
+struct DirectoryLimits {
+    std::size_t maxProfile = 10000;     // bytes of one profile page
+    std::size_t maxSearchResults = 50;  // members one search answers with
+};
+
 // What keeps password work (argon2id, tens of milliseconds and 64 MiB each) from being a lever
 // for anyone: jobs waiting per address group and in total, and a back-off after failed logins per
 // address group and per account name. Each is a command-line option.
@@ -120,6 +135,8 @@ struct ServerConfig {
     PasswordLimits passwords;
     RoomLimits rooms;
     ContactLimits contacts;
+    MailLimits mail;
+    DirectoryLimits directory;
 };
 
 }  // namespace tavren::server

@@ -49,6 +49,68 @@ constexpr std::array kSchemaSteps = {
            UNIQUE (owner_id, buddy_id)
        );
        CREATE INDEX buddies_by_buddy ON buddies(buddy_id);)",
+    // Offline mail: each addressee's copy is a row of its own, so deleting it touches no one
+    // else's. The sender is kept as spelled when the mail was written.
+    R"(CREATE TABLE mail (
+           id INTEGER PRIMARY KEY,
+           owner_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           sender TEXT NOT NULL,
+           subject TEXT NOT NULL,
+           body TEXT NOT NULL,
+           sent_at INTEGER NOT NULL
+       );
+       CREATE INDEX mail_by_owner ON mail(owner_id, sent_at);)",
+    // Profile pages, one per member who has written one; the first web address of the page is
+    // kept beside it for the member search. E-mail addresses get an index for the search by a
+    // whole address.
+    R"(CREATE TABLE profiles (
+           account_id INTEGER PRIMARY KEY REFERENCES accounts(id) ON DELETE CASCADE,
+           page TEXT NOT NULL,
+           link TEXT NOT NULL DEFAULT '',
+           updated_at INTEGER NOT NULL
+       );
+       CREATE INDEX accounts_by_email ON accounts(email COLLATE NOCASE) WHERE email <> '';)",
+    // Moderation: bans from one channel and from every channel, suspended accounts, banned
+    // address ranges, who brought whom (the first invitation a member accepted), and the hashed
+    // passwords of protected channels. A channel's bans and password go with the channel.
+    R"(CREATE TABLE channel_bans (
+           channel_id INTEGER NOT NULL REFERENCES channels(id) ON DELETE CASCADE,
+           account_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           by_name TEXT NOT NULL,
+           reason TEXT NOT NULL,
+           at INTEGER NOT NULL,
+           PRIMARY KEY (channel_id, account_id)
+       );
+       CREATE TABLE account_bans (
+           account_id INTEGER PRIMARY KEY REFERENCES accounts(id) ON DELETE CASCADE,
+           by_name TEXT NOT NULL,
+           reason TEXT NOT NULL,
+           at INTEGER NOT NULL
+       );
+       CREATE TABLE suspensions (
+           account_id INTEGER PRIMARY KEY REFERENCES accounts(id) ON DELETE CASCADE,
+           by_name TEXT NOT NULL,
+           reason TEXT NOT NULL,
+           at INTEGER NOT NULL
+       );
+       CREATE TABLE range_bans (
+           address_range TEXT PRIMARY KEY,
+           member TEXT NOT NULL,
+           by_name TEXT NOT NULL,
+           reason TEXT NOT NULL,
+           at INTEGER NOT NULL
+       );
+       CREATE TABLE referrals (
+           referred_id INTEGER PRIMARY KEY REFERENCES accounts(id) ON DELETE CASCADE,
+           referrer_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           channel TEXT NOT NULL,
+           at INTEGER NOT NULL
+       );
+       CREATE INDEX referrals_by_referrer ON referrals(referrer_id);
+       CREATE TABLE channel_passwords (
+           channel_id INTEGER PRIMARY KEY REFERENCES channels(id) ON DELETE CASCADE,
+           password_hash TEXT NOT NULL
+       );)",
 };
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "server/storage/SqliteAccountStore.h"
 #include "server/storage/SqliteBuddyStore.h"
 #include "server/storage/SqliteDatabase.h"
+#include "server/storage/SqliteStatement.h"
 
 namespace tavren::server {
 namespace {
@@ -222,14 +223,30 @@ TEST(BuddyStoreTest, ListsKeepTheirOrderAndReadBackInTheAccountsSpelling) {
 
 TEST(BuddyStoreTest, ADatabaseFromBeforeBuddyListsIsUpgradedAndKeepsItsAccounts) {
     const auto file = std::filesystem::path(std::getenv("TAVREN_HOME")) / "old.db";
+    std::filesystem::remove(file);  // left by an earlier run
     Account alice;
     alice.name = "alice";
     alice.passwordHash = "h";
     {
         SqliteDatabase db(file);
         ASSERT_TRUE(SqliteAccountStore(db).create(alice));
-        // As the server before buddy lists left it.
-        db.execute("DROP TABLE buddies; PRAGMA user_version=2");
+        // As the server before buddy lists left it: every table and index that came with a
+        // later schema step goes.
+        std::vector<std::string> later;
+        {
+            SqliteStatement query(db,
+                                  "SELECT type, name FROM sqlite_master WHERE sql IS NOT NULL AND"
+                                  " name NOT IN ('accounts', 'channels', 'channels_by_host',"
+                                  " 'channels_by_last_use')");
+            while (query.step()) {
+                later.push_back("DROP " + query.columnText(0) + " IF EXISTS " +
+                                query.columnText(1));
+            }
+        }
+        for (const std::string& drop : later) {
+            db.execute(drop);
+        }
+        db.execute("PRAGMA user_version=2");
     }
     SqliteDatabase db(file);
     EXPECT_EQ(SqliteAccountStore(db).findByName("alice").value_or(Account{}).id, alice.id);
