@@ -32,7 +32,10 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       buddies_(server_, *store_, sounds_),
       locator_(server_.link()),
       privateChats_(server_, settings_, sounds_, files_.ignore(), awayStatus_, rooms_, formatter_,
-                    prompter) {
+                    prompter),
+      mailbox_(server_),
+      memberSearch_(server_),
+      profiles_(server_) {
     server_.dispatcher().route(protocol::server_to_client::kLocateResult,
                                [this](const ServerMessage& m) { locator_.onLocateResult(m); });
     // Conversations know who is a buddy, and say when their member comes and goes.

@@ -9,6 +9,9 @@
 #include "config/SoundPlayer.h"
 #include "contacts/BuddyList.h"
 #include "contacts/DataFiles.h"
+#include "contacts/Mailbox.h"
+#include "contacts/MemberSearch.h"
+#include "contacts/Profiles.h"
 #include "core/AwayStatus.h"
 #include "core/MemberLocator.h"
 #include "core/ServerSession.h"
@@ -53,6 +56,9 @@ class ClientSession : public QObject {
     BuddyList& buddies() { return buddies_; }
     MemberLocator& locator() { return locator_; }
     PrivateChats& privateChats() { return privateChats_; }
+    Mailbox& mailbox() { return mailbox_; }
+    MemberSearch& memberSearch() { return memberSearch_; }
+    Profiles& profiles() { return profiles_; }
 
   private:
     ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,
@@ -71,6 +77,9 @@ class ClientSession : public QObject {
     BuddyList buddies_;
     MemberLocator locator_;
     PrivateChats privateChats_;
+    Mailbox mailbox_;
+    MemberSearch memberSearch_;
+    Profiles profiles_;
 };
 
 }  // namespace tavren

@@ -10,6 +10,8 @@ class RoomCommandHost {
     virtual void openSettings() = 0;
     virtual void openNicknameFormat() = 0;
     virtual void openAbout() = 0;
+    // "/editprofile". Hosts without windows open nothing.
+    virtual void openProfileEditor() {}
     // Closes the room window as its close command does (every channel is left).
     virtual void closeRoomWindow() = 0;
 };

@@ -44,7 +44,7 @@ bool RoomCommands::submit(int room, const QString& input) {
             notAvailable(room, QStringLiteral("The radio lookup"));
             return true;
         case Kind::EditProfile:
-            notAvailable(room, QStringLiteral("The profile editor"));
+            host_.openProfileEditor();
             return true;
         case Kind::News:
             notAvailable(room, QStringLiteral("The news window"));

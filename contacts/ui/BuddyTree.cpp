@@ -164,8 +164,8 @@ QMenu* BuddyTree::menuFor(QTreeWidgetItem* item) {
             [this, name] { emit conversationRequested(name); });
     connect(add("locate", tr("&Locate"), true), &QAction::triggered, this,
             [this, name] { emit locateRequested(name); });
-    // Profiles and the Hold'em tables are not part of this client yet.
-    add("viewprofile", tr("View &Profile"), false);
+    connect(add("viewprofile", tr("View &Profile"), true), &QAction::triggered, this,
+            [this, name] { emit profileRequested(name); });
     menu->addSeparator();
     connect(add("removebuddy", tr("&Remove Buddy"), true), &QAction::triggered, this,
             [this, name] { list_.removeBuddy(name); });
@@ -176,6 +176,7 @@ QMenu* BuddyTree::menuFor(QTreeWidgetItem* item) {
                 }
             });
     menu->addSeparator();
+    // The Hold'em tables are not part of this client yet.
     add("game", tr("Game"), false);
     return menu;
 }

@@ -28,6 +28,7 @@ class BuddyTree : public QTreeWidget {
   signals:
     void conversationRequested(const QString& name);
     void locateRequested(const QString& name);
+    void profileRequested(const QString& name);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;

@@ -24,6 +24,8 @@
 #include "contacts/ui/BuddyListSetup.h"
 #include "contacts/ui/BuddyTree.h"
 #include "contacts/ui/ChatBuddy.h"
+#include "contacts/ui/ContactWindows.h"
+#include "contacts/ui/MailIcons.h"
 #include "core/AwayMenuModel.h"
 #include "core/ClientSession.h"
 #include "core/ConnectedClock.h"
@@ -56,6 +58,7 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     setWindowIcon(AppIcon::make(false));
     setMinimumSize(220, 360);
     connectionWindows_ = new ConnectionWindows(session_.server(), *prompter_, this);
+    contactWindows_ = new ContactWindows(session_, *prompter_, this);
     buildMenus();
     buildCentralArea();
     buildStatusBar();
@@ -66,6 +69,7 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
             [this](const QString& user) { session_.privateChats().openConversation(user); });
     setOnlineLook(false);
     followServerSession();
+    followMailbox();
 
     Settings& settings = session_.settings();
     connect(&settings, &Settings::changed, this, &ChatMain::applyViewSettings);
@@ -133,7 +137,9 @@ void ChatMain::buildMenus() {
     connect(addCommand(tavrenMenu, QStringLiteral("formatnickname"),
                        QStringLiteral("&Nickname Format.."), false),
             &QAction::triggered, this, &ChatMain::openNicknameFormat);
-    addCommand(tavrenMenu, QStringLiteral("editprofile"), QStringLiteral("Edit P&rofile.."), false);
+    connect(addCommand(tavrenMenu, QStringLiteral("editprofile"), QStringLiteral("Edit P&rofile.."),
+                       false),
+            &QAction::triggered, this, &ChatMain::openProfileEditor);
     tavrenMenu->addSeparator();
     connect(addCommand(tavrenMenu, QStringLiteral("config"), QStringLiteral("&Settings.."), true),
             &QAction::triggered, this, [this] { openSettings(); });
@@ -159,13 +165,16 @@ void ChatMain::buildMenus() {
     connect(addCommand(chatMenu, QStringLiteral("sendmsg"),
                        QStringLiteral("Send &Private Message.."), false),
             &QAction::triggered, this, &ChatMain::promptPrivateMessage);
-    addCommand(chatMenu, QStringLiteral("readmessages"), QStringLiteral("&Read Messages (0).."),
-               false);
+    connect(addCommand(chatMenu, QStringLiteral("readmessages"),
+                       QStringLiteral("&Read Messages (0).."), false),
+            &QAction::triggered, contactWindows_, &ContactWindows::openMail);
     chatMenu->addSeparator();
     connect(
         addCommand(chatMenu, QStringLiteral("locateuser"), QStringLiteral("&Locate User.."), false),
         &QAction::triggered, this, &ChatMain::promptLocateUser);
-    addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."), false);
+    connect(addCommand(chatMenu, QStringLiteral("membersearch"), QStringLiteral("Member &Search.."),
+                       false),
+            &QAction::triggered, contactWindows_, &ContactWindows::openSearch);
 
     QMenu* buddyMenu = menuBar()->addMenu(QStringLiteral("&Buddies"));
     connect(
@@ -258,6 +267,8 @@ void ChatMain::buildCentralArea() {
             [this](const QString& name) { session_.locator().locate(name); });
     connect(buddyTree, &BuddyTree::conversationRequested, this,
             [this](const QString& name) { session_.privateChats().openConversation(name); });
+    connect(buddyTree, &BuddyTree::profileRequested, this,
+            [this](const QString& name) { session_.profiles().view(name); });
     connect(&session_.buddies(), &BuddyList::captionChanged, buddyCaption_, &QLabel::setText);
     buddyTree_ = buddyTree;
     buddyLayout->addWidget(buddyCaption_);
@@ -305,7 +316,14 @@ void ChatMain::buildStatusBar() {
     timeLabel_->setObjectName(QStringLiteral("connectedTime"));
     timeLabel_->setToolTip(timeHint);
 
+    // The mail image: a full envelope while mail is waiting; a click opens the mail window.
+    mailButton_ = new QToolButton(this);
+    mailButton_->setObjectName(QStringLiteral("mailImage"));
+    mailButton_->setAutoRaise(true);
+    mailButton_->setIcon(MailIcons::mailEmpty());
+
     statusBar()->addWidget(statusButton_);
+    statusBar()->addWidget(mailButton_);
     statusBar()->addWidget(onlineLabel_, 1);
     statusBar()->addWidget(scoreLabel_);
     statusBar()->addPermanentWidget(timeIcon);
@@ -370,6 +388,10 @@ void ChatMain::setOnlineLook(bool online) {
     for (const char* name : {"mnuaddbuddy", "editbuddys"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
+    for (const char* name : {"editprofile", "readmessages", "membersearch"}) {
+        actions_.value(QString::fromLatin1(name))->setEnabled(online);
+    }
+    mailButton_->setEnabled(online);
     actions_.value(QStringLiteral("loginoff"))
         ->setText(online ? QStringLiteral("Log &Off") : QStringLiteral("&Login.."));
     if (tray_ != nullptr) {
@@ -432,6 +454,30 @@ void ChatMain::followServerSession() {
         }
     });
     connect(&server.clock(), &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);
+}
+
+void ChatMain::followMailbox() {
+    Mailbox& mailbox = session_.mailbox();
+    const auto showCount = [this] {
+        const Mailbox& box = session_.mailbox();
+        actions_.value(QStringLiteral("readmessages"))->setText(box.menuCaption());
+        mailButton_->setIcon(box.count() > 0 ? MailIcons::mailFull() : MailIcons::mailEmpty());
+        mailButton_->setToolTip(box.count() > 0
+                                    ? tr("%n message(s) in your inbox. Click to read them.", "",
+                                         box.count())
+                                    : tr("No mail. Click to open the mail window."));
+    };
+    connect(&mailbox, &Mailbox::countChanged, this, showCount);
+    showCount();
+    connect(mailButton_, &QToolButton::clicked, contactWindows_, &ContactWindows::openMail);
+    connect(&mailbox, &Mailbox::newMail, notices_, &DesktopNotices::newMail);
+    connect(notices_, &DesktopNotices::mailWanted, contactWindows_, &ContactWindows::openMail);
+}
+
+void ChatMain::openProfileEditor() {
+    if (session_.server().online()) {
+        contactWindows_->openProfileEditor();
+    }
 }
 
 void ChatMain::applyViewSettings() {

@@ -23,6 +23,7 @@ class ChatRoom;
 class DesktopNotices;
 class ClientSession;
 class ConnectionWindows;
+class ContactWindows;
 class Prompter;
 
 // The shell: buddy list, news pane, status bar with the away button and connected time, tray
@@ -56,6 +57,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void openNicknameFormat() override;
     void openAbout() override { showAbout(); }
     void closeRoomWindow() override;
+    void openProfileEditor() override;
+    ContactWindows& contactWindows() { return *contactWindows_; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -72,6 +75,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void showAbout();
     void setOnlineLook(bool online);
     void followServerSession();
+    void followMailbox();
     QAction* addCommand(QMenu* menu, const QString& name, const QString& caption, bool available);
 
     ClientSession& session_;
@@ -86,8 +90,10 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     QLabel* onlineLabel_ = nullptr;
     QLabel* scoreLabel_ = nullptr;
     QLabel* timeLabel_ = nullptr;
+    QToolButton* mailButton_ = nullptr;
     QSystemTrayIcon* tray_ = nullptr;
     ConnectionWindows* connectionWindows_ = nullptr;
+    ContactWindows* contactWindows_ = nullptr;
     ChatConfig* settingsWindow_ = nullptr;
     ChatRoom* roomWindow_ = nullptr;
     ChatPM* pmWindow_ = nullptr;

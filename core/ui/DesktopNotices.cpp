@@ -30,18 +30,28 @@ void DesktopNotices::buddyOnline(const QString& user) {
     show(user, tr("%1 is online").arg(user), tr("Click to talk to %1.").arg(user));
 }
 
+void DesktopNotices::newMail(const QString& sender) {
+    if (show(QString(), tr("New mail from %1").arg(sender), tr("Click to read it."))) {
+        lastWasMail_ = true;
+    }
+}
+
 void DesktopNotices::clicked() {
-    if (!lastUser_.isEmpty()) {
+    if (lastWasMail_) {
+        emit mailWanted();
+    } else if (!lastUser_.isEmpty()) {
         emit conversationWanted(lastUser_);
     }
 }
 
-void DesktopNotices::show(const QString& user, const QString& title, const QString& text) {
+bool DesktopNotices::show(const QString& user, const QString& title, const QString& text) {
     if (!shower_ || !settings_.values().notify || (inFront_ && inFront_())) {
-        return;
+        return false;
     }
     lastUser_ = user;
+    lastWasMail_ = false;
     shower_(title, text);
+    return true;
 }
 
 QString DesktopNotices::plainText(const QString& text) {

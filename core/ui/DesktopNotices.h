@@ -29,6 +29,8 @@ class DesktopNotices : public QObject {
 
     void privateMessage(const QString& user, const QString& text);
     void buddyOnline(const QString& user);
+    // New mail from `sender`; clicking the notice asks for the mail window.
+    void newMail(const QString& sender);
     // The notice was clicked.
     void clicked();
 
@@ -37,14 +39,17 @@ class DesktopNotices : public QObject {
 
   signals:
     void conversationWanted(const QString& user);
+    void mailWanted();
 
   private:
-    void show(const QString& user, const QString& title, const QString& text);
+    // False when the notice was not shown (switched off, or a window of ours is in front).
+    bool show(const QString& user, const QString& title, const QString& text);
 
     const Settings& settings_;
     InFront inFront_;
     Shower shower_;
     QString lastUser_;
+    bool lastWasMail_ = false;
 };
 
 }  // namespace tavren

@@ -117,8 +117,13 @@ void ChatPM::buildMenus() {
             &QAction::triggered, this, [this] { chats_.addBuddy(chats_.selected()); });
     connect(addCommand(conversation, QStringLiteral("ignoreuser"), tr("&Ignore User")),
             &QAction::triggered, this, [this] { chats_.ignoreUser(chats_.selected()); });
-    QAction* profile = addCommand(conversation, QStringLiteral("viewprofile"), tr("View &Profile"));
-    profile->setEnabled(false);
+    // The profile comes back from the server and opens its own window.
+    connect(addCommand(conversation, QStringLiteral("viewprofile"), tr("View &Profile")),
+            &QAction::triggered, this, [this] {
+                if (chats_.selected() >= 0) {
+                    session_.profiles().view(chats_.conversation(chats_.selected()).user);
+                }
+            });
     connect(addCommand(conversation, QStringLiteral("locateuser"), tr("&Locate User")),
             &QAction::triggered, this, [this] { chats_.locate(chats_.selected()); });
     connect(addCommand(conversation, QStringLiteral("inviteuser"), tr("In&vite to Channel..")),
@@ -172,10 +177,8 @@ QWidget* ChatPM::buildButtons() {
     row->addWidget(addButton(QStringLiteral("XPButton3"), tr("Ignore"),
                              tr("Ignore this member: their messages are no longer shown"),
                              "ignoreuser"));
-    QPushButton* profile = addButton(QStringLiteral("XPButton5"), tr("Profile"),
-                                     tr("Member profiles are not available yet"), "viewprofile");
-    profile->setEnabled(false);
-    row->addWidget(profile);
+    row->addWidget(addButton(QStringLiteral("XPButton5"), tr("Profile"),
+                             tr("Show this member's profile"), "viewprofile"));
     row->addWidget(addButton(QStringLiteral("locateButton"), tr("Locate"),
                              tr("Ask the server where this member is"), "locateuser"));
     row->addWidget(addButton(QStringLiteral("inviteButton"), tr("Invite"),
@@ -291,14 +294,12 @@ void ChatPM::onTabClicked(int position) {
 
 void ChatPM::updateCommands() {
     const bool any = chats_.selected() >= 0;
-    for (const char* name : {"addbuddy", "ignoreuser", "locateuser", "inviteuser", "mnuprintconvo",
-                             "closewin", "mnu_copyit", "clearwin", "smileys"}) {
+    for (const char* name : {"addbuddy", "ignoreuser", "viewprofile", "locateuser", "inviteuser",
+                             "mnuprintconvo", "closewin", "mnu_copyit", "clearwin", "smileys"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(any);
     }
     for (QPushButton* each : std::as_const(buttons_)) {
-        if (each->objectName() != QLatin1String("XPButton5")) {
-            each->setEnabled(any);
-        }
+        each->setEnabled(any);
     }
     if (any) {
         const bool buddy = chats_.isBuddy(chats_.selected());

@@ -325,10 +325,10 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     buddy->setObjectName(QStringLiteral("addbuddy"));
     buddy->setEnabled(!session_.buddies().contains(name));
     connect(buddy, &QAction::triggered, this, [this, name] { session_.buddies().addBuddy(name); });
-    // Profiles arrive with their own window.
+    // The profile comes back from the server and opens its own window.
     QAction* profile = menu.addAction(tr("View &Profile"));
     profile->setObjectName(QStringLiteral("viewit"));
-    profile->setEnabled(false);
+    connect(profile, &QAction::triggered, this, [this, name] { session_.profiles().view(name); });
     menu.exec(globalPos);
 }
 

@@ -73,8 +73,7 @@ TEST_F(ChatPMTest, MessagesOpenTheWindowAndTabsWithTheirLabelsAndTitles) {
     EXPECT_EQ(alice->peerStatus().text(), QStringLiteral("Typing Status: (Nothing..)"));
     EXPECT_EQ(window.focusWidget(), &alice->input());
     EXPECT_TRUE(button("closeButton").isEnabled());
-    // Profiles come later: the button is there, greyed.
-    EXPECT_FALSE(button("XPButton5").isEnabled());
+    EXPECT_TRUE(button("XPButton5").isEnabled());
 
     // Bob's message waits in a marked tab behind Alice's; his typing shows in his tab only.
     deliver(in::kPrivateMessage, QStringLiteral("bob:psst"));
