@@ -3,6 +3,7 @@
 #include "core/LoginFlow.h"
 #include "core/SavedAccounts.h"
 #include "core/ServerLink.h"
+#include "core/WireText.h"
 #include "core/protocol/Catalogue.h"
 
 namespace tavren {
@@ -32,6 +33,11 @@ QString AccountRequests::checkPasswordChange(const QString& current, const QStri
     }
     if (hasSeparator(current) || hasSeparator(replacement)) {
         return QStringLiteral("Passwords cannot contain \":\" or \";\".");
+    }
+    if (const QString problem =
+            WireText::refusalForWire(replacement, QStringLiteral("new password"));
+        !problem.isEmpty()) {
+        return problem;
     }
     return QString();
 }

@@ -1,5 +1,6 @@
 #include "core/LoginFlow.h"
 
+#include <QUrl>
 #include <algorithm>
 
 #include "config/Settings.h"
@@ -8,6 +9,7 @@
 #include "core/SavedAccounts.h"
 #include "core/ServerConnection.h"
 #include "core/ServerLink.h"
+#include "core/WireText.h"
 #include "core/protocol/Catalogue.h"
 
 namespace tavren {
@@ -251,15 +253,25 @@ void LoginFlow::onHello(const ServerMessage& message) {
 void LoginFlow::onUpdateNotice(const ServerMessage& message) {
     const QStringList fields = message.payload.split(QLatin1Char(';'));
     const QString version = fields.value(0).trimmed();
-    const QString url = fields.value(1).trimmed();
+    // Only a web address is offered: a server must not make the client open a file, a program or
+    // any other scheme the desktop happens to handle.
+    const QUrl offered(fields.value(1).trimmed(), QUrl::StrictMode);
+    const bool webAddress =
+        offered.isValid() && !offered.host().isEmpty() &&
+        (offered.scheme() == QLatin1String("http") || offered.scheme() == QLatin1String("https"));
+    const QString url = webAddress ? offered.toString() : QString();
     // The notice stands in for the hello; the login goes on whatever the user answers, and
     // without waiting for the answer.
     sendCredentials();
     if (!version.isEmpty() && !settings_.isNagSuppressed(version)) {
+        // The address is shown, so the member sees where the download would come from.
+        const QString download = url.isEmpty()
+                                     ? QStringLiteral("The server named no download address.")
+                                     : QStringLiteral("It can be downloaded from:\n%1").arg(url);
         prompter_.askYesNoCancelLater(
-            QStringLiteral("A newer Tavren client (version %1) is available.\n\n"
+            QStringLiteral("A newer Tavren client (version %1) is available.\n%2\n\n"
                            "Download it now? Choose No to stop reminding you of this version.")
-                .arg(version),
+                .arg(version, download),
             QStringLiteral("Upgrade to %1 Now").arg(version),
             [this, version, url](Prompter::Answer answer) {
                 if (answer == Prompter::Answer::Yes && !url.isEmpty()) {
@@ -325,6 +337,14 @@ QString LoginFlow::checkSignUp(const QString& name, const QString& password,
     if (hasSeparator(name) || hasSeparator(password) || hasSeparator(email)) {
         return QStringLiteral(
             "Nickname, password and e-mail address cannot contain \":\" or \";\".");
+    }
+    for (const QString& problem :
+         {WireText::refusalForWire(name.trimmed(), QStringLiteral("nickname")),
+          WireText::refusalForWire(password, QStringLiteral("password")),
+          WireText::refusalForWire(email.trimmed(), QStringLiteral("e-mail address"))}) {
+        if (!problem.isEmpty()) {
+            return problem;
+        }
     }
     return QString();
 }

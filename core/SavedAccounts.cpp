@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "config/Settings.h"
+#include "core/WireText.h"
 
 namespace tavren {
 
@@ -79,6 +80,13 @@ QString SavedAccounts::checkEntry(const QString& name, const QString& password,
     }
     if (trimmed.compare(newUserName(), Qt::CaseInsensitive) == 0) {
         return QStringLiteral("That name is reserved.");
+    }
+    for (const QString& problem :
+         {WireText::refusalForWire(trimmed, QStringLiteral("name")),
+          WireText::refusalForWire(password, QStringLiteral("password"))}) {
+        if (!problem.isEmpty()) {
+            return problem;
+        }
     }
     const int existing = findRow(trimmed);
     if (existing > 0 && existing != replacingRow) {

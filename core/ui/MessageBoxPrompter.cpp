@@ -35,6 +35,17 @@ Prompter::Answer toAnswer(int button) {
     return Prompter::Answer::Cancel;
 }
 
+// Texts here often carry what a server or another member wrote; a message box would render
+// text that looks like markup as rich text (links, pictures, layout), so every box shows its text
+// exactly as written.
+Prompter::Answer askPlain(QWidget* parent, const QString& text, const QString& title,
+                          QMessageBox::StandardButtons buttons) {
+    QMessageBox box(QMessageBox::Question, title, text, buttons, parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Yes);
+    return toAnswer(box.exec());
+}
+
 }  // namespace
 
 QMessageBox* MessageBoxPrompter::openMessage(const QString& title) const {
@@ -44,11 +55,14 @@ QMessageBox* MessageBoxPrompter::openMessage(const QString& title) const {
 void MessageBoxPrompter::message(const QString& text, const QString& title, Icon icon) {
     if (QMessageBox* shown = open_.value(title)) {
         shown->setIcon(toBoxIcon(icon));
+        shown->setTextFormat(Qt::PlainText);
         shown->setText(text);
         shown->raise();
         return;
     }
-    auto* box = new QMessageBox(toBoxIcon(icon), title, text, QMessageBox::Ok, parent_);
+    auto* box = new QMessageBox(toBoxIcon(icon), title, QString(), QMessageBox::Ok, parent_);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(text);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setModal(false);
     box->setWindowModality(Qt::NonModal);
@@ -57,20 +71,19 @@ void MessageBoxPrompter::message(const QString& text, const QString& title, Icon
 }
 
 Prompter::Answer MessageBoxPrompter::askYesNo(const QString& text, const QString& title) {
-    return toAnswer(QMessageBox::question(parent_, title, text, QMessageBox::Yes | QMessageBox::No,
-                                          QMessageBox::Yes));
+    return askPlain(parent_, text, title, QMessageBox::Yes | QMessageBox::No);
 }
 
 Prompter::Answer MessageBoxPrompter::askYesNoCancel(const QString& text, const QString& title) {
-    return toAnswer(QMessageBox::question(parent_, title, text,
-                                          QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
-                                          QMessageBox::Yes));
+    return askPlain(parent_, text, title, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
 }
 
 void MessageBoxPrompter::askYesNoCancelLater(const QString& text, const QString& title,
                                              std::function<void(Answer)> answered) {
-    auto* box = new QMessageBox(QMessageBox::Question, title, text,
+    auto* box = new QMessageBox(QMessageBox::Question, title, QString(),
                                 QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent_);
+    box->setTextFormat(Qt::PlainText);
+    box->setText(text);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setDefaultButton(QMessageBox::Yes);
     QObject::connect(box, &QMessageBox::finished, box, [box, answered = std::move(answered)](int) {

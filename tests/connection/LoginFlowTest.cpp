@@ -4,6 +4,7 @@
 #include "ClientUnderTest.h"
 #include "FakePeer.h"
 #include "Wait.h"
+#include "core/AccountRequests.h"
 #include "core/SavedAccounts.h"
 #include "core/protocol/Catalogue.h"
 
@@ -101,6 +102,68 @@ TEST(LoginFlowTest, AnUpdateNoticeAsksOnceForEachVersionAndTheLoginGoesOn) {
     }
     EXPECT_EQ(downloadUrl, QStringLiteral("https://example.org/tavren"));
     EXPECT_TRUE(client.settings->isNagSuppressed(QStringLiteral("2.0.0")));
+}
+
+TEST(LoginFlowTest, AnUpdateAddressIsShownAndOnlyAWebAddressIsEverOpened) {
+    test::FakePeer server;
+    QString offered;
+    server.setResponder([&](test::FakePeer& peer, const protocol::Frame& frame) {
+        if (frame.code == out::kVersionBeforeLogin) {
+            peer.send(in::kUpdateNotice, "2.0.0;" + offered.toStdString());
+        }
+    });
+    test::ClientUnderTest client;
+    QStringList opened;
+    QObject::connect(&client.session->login(), &LoginFlow::updateDownloadRequested,
+                     [&](const QString& url) { opened << url; });
+    int connection = 0;
+    for (const QString& address :
+         {QStringLiteral("file:///etc/passwd"), QStringLiteral("javascript:alert(1)"),
+          QStringLiteral("smb://host/share/setup.exe"), QStringLiteral("https://"),
+          QStringLiteral("https://example.org/tavren")}) {
+        offered = address;
+        client.prompter.asked.clear();
+        client.prompter.answers = {Answer::Yes};
+        client.session->login().logOff();
+        client.startLogin(server.port());
+        ++connection;
+        ASSERT_TRUE(waitUntil(
+            [&] { return server.connections() == connection && !client.prompter.asked.empty(); }));
+        const QString question = client.prompter.asked[0].text;
+        if (address.startsWith(QStringLiteral("https://example"))) {
+            EXPECT_TRUE(question.contains(address)) << question.toStdString();
+        } else {
+            EXPECT_FALSE(question.contains(address)) << question.toStdString();
+            EXPECT_TRUE(question.contains(QStringLiteral("no download address")));
+        }
+    }
+    EXPECT_EQ(opened, QStringList{QStringLiteral("https://example.org/tavren")});
+}
+
+TEST(LoginFlowTest, CharactersTheCodePageCannotHoldAreRefusedBeforeTheyBecomeQuestionMarks) {
+    // Both would reach the server as "??????" and be one password.
+    const QString russian = QStringLiteral("\u043f\u0430\u0440\u043e\u043b\u044c");
+    const QString emoji = QStringLiteral("key\U0001F511");
+    EXPECT_TRUE(LoginFlow::checkSignUp(QStringLiteral("alice"), russian, russian,
+                                       QStringLiteral("a@example.org"))
+                    .contains(QStringLiteral("\u043f")));
+    EXPECT_TRUE(LoginFlow::checkSignUp(QStringLiteral("alice"), emoji, emoji,
+                                       QStringLiteral("a@example.org"))
+                    .contains(QStringLiteral("\U0001F511")));
+    // Western European letters and the euro sign have bytes of their own and pass.
+    const QString western = QStringLiteral("na\u00efve\u20ac");
+    EXPECT_EQ(LoginFlow::checkSignUp(QStringLiteral("alice"), western, western,
+                                     QStringLiteral("a@example.org")),
+              QString());
+    EXPECT_FALSE(
+        AccountRequests::checkPasswordChange(QStringLiteral("old"), russian, russian).isEmpty());
+    EXPECT_EQ(AccountRequests::checkPasswordChange(QStringLiteral("old"), western, western),
+              QString());
+    test::ClientUnderTest client;
+    SavedAccounts& accounts = client.session->accounts();
+    EXPECT_FALSE(accounts.checkEntry(QStringLiteral("alice"), russian).isEmpty());
+    EXPECT_EQ(accounts.add(QStringLiteral("alice"), russian), -1);
+    EXPECT_EQ(accounts.add(QStringLiteral("alice"), western), 1);
 }
 
 TEST(SavedAccountsTest, TheStoredTextRoundTripsAndDamagedEntriesAreSkipped) {
