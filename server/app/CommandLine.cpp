@@ -261,6 +261,11 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.contacts.presenceInterval =
                  std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(seconds * 1000)));
          }},
+        {"--max-handshakes",
+         [](CommandLine& c, const std::string& v) {
+             c.config.contacts.handshakesPerMinute =
+                 parseNumber<int>("--max-handshakes", v, 1, 6000);
+         }},
         {"--max-mail-body",
          [](CommandLine& c, const std::string& v) {
              // A full inbox goes in one payload: kept mails times this must stay below 1 MiB.
@@ -403,6 +408,8 @@ Private messages share the line length and the line meter with channels. Buddies
                               (default 600)
   --presence-interval SECONDS a member's presence goes to the watchers at most this often; changes
                               in between go out together at its end (default 1; 0: at once)
+  --max-handshakes N          direct-connection handshakes one member may send a minute
+                              (default 30)
 
 Offline mail, profiles and member search:
   --max-mail-body BYTES       longest mail body (default 4000, highest 8000)

@@ -11,6 +11,7 @@
 #include "server/app/CommandLine.h"
 #include "server/base/Log.h"
 #include "server/contacts/BuddyRequests.h"
+#include "server/contacts/DirectConnectionRequests.h"
 #include "server/contacts/LocateRequests.h"
 #include "server/contacts/MailboxRequests.h"
 #include "server/contacts/PresenceService.h"
@@ -77,6 +78,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     ChannelRequests channelRequests(rooms, accounts, online, invitations);
     RoomRequests roomRequests(rooms, serverCommands, config.rooms);
     PrivateMessageRequests privateMessages(accounts, presence, config.rooms);
+    DirectConnectionRequests directConnections(accounts, presence, config.contacts);
     LocateRequests locate(accounts, presence, rooms);
     BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
     ProfileRequests profiles(accounts, profileStore, config.directory);
@@ -90,6 +92,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     features.add(roomRequests);
     features.add(channelRequests);
     features.add(privateMessages);
+    features.add(directConnections);
     features.add(locate);
     // After the rooms: the buddy list follows the line meter at login, and a member who leaves
     // is offline to the watchers before its channels are left (which then tell nobody).

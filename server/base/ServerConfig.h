@@ -42,6 +42,9 @@ struct ContactLimits {
     // A member's presence goes to the watchers at most once per interval; changes within it go
     // out as one record at its end, so that nobody can make the server flood their watchers.
     std::chrono::milliseconds presenceInterval{1000};
+    // Direct-connection handshakes (2, 15) one member may send a minute: a burst of this many,
+    // then one more every 60/N seconds.
+    int handshakesPerMinute = 30;
 };
 
 // The bounds of offline mail. Every inbox goes whole in one payload, so the kept mails times the
