@@ -312,10 +312,18 @@ void ChatMail::showCurrent() {
     const int row = currentRow();
     if (row < 0 || row >= mailbox_.count()) {
         showEmptyPane();
+        updateCommands();
         return;
+    }
+    // The mail being read is the one the commands work on, even when the list took it as
+    // current on its own (on getting the focus) without selecting it.
+    if (list_->selectedItems().isEmpty()) {
+        const QSignalBlocker block(list_);
+        list_->currentItem()->setSelected(true);
     }
     pane_->navigate(MailPage::empty(session_.settings().values().color(ColorScheme::ChatPane)));
     pane_->AddChat(MailPage::reading(mailbox_.rows().at(row)));
+    updateCommands();
 }
 
 void ChatMail::showEmptyPane() {

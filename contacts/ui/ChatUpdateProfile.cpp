@@ -1,5 +1,6 @@
 #include "contacts/ui/ChatUpdateProfile.h"
 
+#include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -35,6 +36,8 @@ ChatUpdateProfile::ChatUpdateProfile(ClientSession& session, Prompter& prompter,
     layout->addWidget(hint);
     editor_ = new QPlainTextEdit(this);
     editor_->setObjectName(QStringLiteral("RichTextBox1"));
+    // The page is markup: a fixed font keeps its tags readable.
+    editor_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     editor_->setPlaceholderText(
         tr("<b>About me</b><br>I like chess and <a href='https://example.org'>my site</a>."));
     layout->addWidget(editor_, 1);
@@ -51,6 +54,9 @@ ChatUpdateProfile::ChatUpdateProfile(ClientSession& session, Prompter& prompter,
     progressLabel_->setObjectName(QStringLiteral("Label6"));
     progressLabel_->setMinimumWidth(progressLabel_->fontMetrics().horizontalAdvance(
         Profiles::progressText(Profiles::kProgressSteps) + QStringLiteral("  ")));
+    // The progress display shows only once a page is being saved.
+    progress_->hide();
+    progressLabel_->hide();
     status->addWidget(count_);
     status->addStretch(1);
     status->addWidget(progress_);
@@ -117,6 +123,8 @@ void ChatUpdateProfile::save() {
         return;
     }
     step_ = 0;
+    progress_->show();
+    progressLabel_->show();
     progress_->setValue(0);
     progressLabel_->setText(Profiles::progressText(0));
     steps_->start();
