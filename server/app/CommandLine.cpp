@@ -181,6 +181,10 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.passwords.signUpsPerHour =
                  parseNumber<int>("--signups-per-hour", v, 1, 1000000);
          }},
+        {"--checkpoint-interval",
+         [](CommandLine& c, const std::string& v) {
+             c.config.checkpointInterval = parseSeconds("--checkpoint-interval", v);
+         }},
         {"--min-version",
          [](CommandLine& c, const std::string& v) {
              c.config.minimumVersion = parseVersion("--min-version", v);
@@ -382,6 +386,9 @@ Load and abuse (an address group is an IPv4 address or an IPv6 /64):
                               1 s, doubling (default 5; twice as many for one account name)
   --max-login-backoff SECONDS longest such wait (default 300)
   --signups-per-hour N        sign-up tries per address group and hour (default 3)
+  --checkpoint-interval SECONDS
+                              the database is synced this often, on a thread of its own; a power
+                              cut may lose the changes since (default 1; a killed server loses none)
   --min-version X.Y.Z         older clients are refused (default 1.0.0)
   --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
   --update-url URL            where the update is downloaded from

@@ -38,6 +38,7 @@
 #include "server/storage/SqliteBuddyStore.h"
 #include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteDatabase.h"
+#include "server/storage/WalCheckpointer.h"
 #include "server/storage/SqliteModerationStore.h"
 #include "server/storage/SqliteMailStore.h"
 #include "server/storage/SqliteMemberDirectory.h"
@@ -56,9 +57,12 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteProfileStore profileStore(db);
     SqliteMemberDirectory memberDirectory(db);
     Log::info("database " + config.databasePath.string());
+    // The disk is waited for on the checkpointer's thread, never on the network thread.
+    WalCheckpointer checkpointer(config.databasePath, config.checkpointInterval);
+    db.leaveCheckpointsToOthers();
 
     asio::io_context io(1);
-    LocalPresenceHub presence;
+    LocalPresenceHub presence(io.get_executor());
     PasswordWorker passwordWorker;
     PasswordGate passwords(passwordWorker, config.passwords, io.get_executor());
 

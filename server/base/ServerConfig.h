@@ -116,6 +116,9 @@ struct ServerConfig {
     std::size_t inboundByteLimit = 1u << 20;
     // Bytes all connections together may hold in read buffers and queues.
     std::size_t memoryBudget = std::size_t{1} << 30;
+    // How often the database's log is synced and moved into the database file, off the network
+    // thread: what a power cut can take at most.
+    std::chrono::milliseconds checkpointInterval{1000};
 
     // Frames waiting to be written to one client; a client that does not read is dropped when its
     // queue is full instead of making anyone wait.

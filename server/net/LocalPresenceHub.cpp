@@ -23,7 +23,7 @@ std::shared_ptr<ClientLink> LocalPresenceHub::join(const std::string& name,
     std::shared_ptr<ClientLink> previous = std::exchange(slot, std::move(link));
     // Announced even when the count stays (a second login replacing the first), so that the
     // newcomer always learns it.
-    announceCount();
+    announceCount(slot.get());
     return previous;
 }
 
@@ -31,7 +31,7 @@ void LocalPresenceHub::leave(const std::string& name, const ClientLink* link) {
     const auto member = members_.find(AsciiText::lower(name));
     if (member != members_.end() && member->second.get() == link) {
         members_.erase(member);
-        announceCount();
+        announceCount(nullptr);
     }
 }
 
@@ -68,8 +68,26 @@ void LocalPresenceHub::sendTo(std::span<const std::string> names, protocol::Code
     }
 }
 
-void LocalPresenceHub::announceCount() {
-    broadcast(protocol::server_to_client::kOnlineCount, std::to_string(members_.size()));
+void LocalPresenceHub::announceCount(ClientLink* newcomer) {
+    constexpr auto kCount = protocol::server_to_client::kOnlineCount;
+    if (!countTimer_ || members_.size() < kCountAtOnceBelow) {
+        broadcast(kCount, std::to_string(members_.size()));
+        return;
+    }
+    if (newcomer) {
+        newcomer->send(kCount, std::to_string(members_.size()));
+    }
+    if (countPending_) {
+        return;
+    }
+    countPending_ = true;
+    countTimer_->expires_after(countInterval_);
+    countTimer_->async_wait([this](const asio::error_code& error) {
+        countPending_ = false;
+        if (!error) {
+            broadcast(kCount, std::to_string(members_.size()));
+        }
+    });
 }
 
 }  // namespace tavren::server

@@ -130,8 +130,10 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file) {
     try {
         sqlite3_busy_timeout(db_, 5000);
         execute("PRAGMA journal_mode=WAL");
-        // In WAL mode this syncs at checkpoints only: a power cut may lose the last moments,
-        // never the database, and a write no longer makes the network thread wait for the disk.
+        // Durability: in WAL mode with synchronous=NORMAL a commit appends to the log and returns
+        // without an fsync; the log and the database are synced at checkpoints. A killed server
+        // loses no committed change (the log is in the system's cache); a power cut may lose the
+        // commits since the last checkpoint, never the database's consistency.
         execute("PRAGMA synchronous=NORMAL");
         execute("PRAGMA foreign_keys=ON");
         migrate();
@@ -144,6 +146,10 @@ SqliteDatabase::SqliteDatabase(const std::filesystem::path& file) {
 
 SqliteDatabase::~SqliteDatabase() {
     sqlite3_close(db_);
+}
+
+void SqliteDatabase::leaveCheckpointsToOthers() {
+    execute("PRAGMA wal_autocheckpoint=0");
 }
 
 void SqliteDatabase::execute(const std::string& sql) {

@@ -23,6 +23,9 @@ class SqliteDatabase {
     // Runs `work` as one transaction: all of it is kept, or none of it when it throws.
     void inTransaction(const std::function<void()>& work);
     sqlite3* handle() const { return db_; }
+    // From now on this connection commits without ever checkpointing (no fsync on its thread);
+    // a WalCheckpointer does that instead.
+    void leaveCheckpointsToOthers();
     // The database's own message for the last failure.
     std::string lastError() const;
 

@@ -110,6 +110,16 @@ int TavrendProcess::stop(std::chrono::milliseconds grace) {
     return exitCodeOf(status);
 }
 
+void TavrendProcess::killAtOnce() {
+    if (pid_ <= 0) {
+        return;
+    }
+    kill(pid_, SIGKILL);
+    int status = 0;
+    waitpid(pid_, &status, 0);
+    pid_ = -1;
+}
+
 std::string TavrendProcess::log() const {
     std::ifstream in(logFile_);
     std::stringstream text;

@@ -35,6 +35,8 @@ class TavrendProcess {
     pid_t pid() const { return pid_; }
     // SIGTERM, then wait; returns the exit code (-1 if it had to be killed or died of a signal).
     int stop(std::chrono::milliseconds grace = std::chrono::seconds(10));
+    // SIGKILL: the server gets no chance to finish anything.
+    void killAtOnce();
     std::string log() const;
 
   private:
