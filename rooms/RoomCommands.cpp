@@ -50,7 +50,8 @@ bool RoomCommands::submit(int room, const QString& input) {
             notAvailable(room, QStringLiteral("The news window"));
             return true;
         case Kind::FindChannels:
-            notAvailable(room, QStringLiteral("The channel directory"));
+            rooms_.directory().request();
+            host_.openChannelDirectory();
             return true;
         case Kind::Config:
             host_.openSettings();

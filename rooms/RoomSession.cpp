@@ -54,7 +54,9 @@ RoomSession::RoomSession(ServerSession& server, Settings& settings, SoundPlayer&
       ignoreList_(ignoreList),
       performList_(performList),
       formatter_(formatter),
-      flooder_(kDefaultFloodMaximum) {
+      flooder_(kDefaultFloodMaximum),
+      directory_(server, *this),
+      invitations_(server, *this, ignoreList) {
     flooder_.setObjectName(QStringLiteral("Flooder"));
     drain_.setInterval(kDefaultDrainMs);
     connect(&drain_, &QTimer::timeout, this, [this] {
@@ -76,10 +78,11 @@ RoomSession::RoomSession(ServerSession& server, Settings& settings, SoundPlayer&
     connect(&server_, &ServerSession::sessionSettingsArrived, this,
             [this](const QString&, const QString& defaultRoom) { onSessionSettings(defaultRoom); });
     connect(&server_, &ServerSession::floodLimitsChanged, this, &RoomSession::onFloodLimits);
-    connect(&server_.connection(), &ServerConnection::statusLine, this, [this](const QString& line) {
-        const QString prefix = QStringLiteral("Server: ");
-        showInEveryRoom(kServerLabel, line.startsWith(prefix) ? line.mid(prefix.size()) : line);
-    });
+    connect(
+        &server_.connection(), &ServerConnection::statusLine, this, [this](const QString& line) {
+            const QString prefix = QStringLiteral("Server: ");
+            showInEveryRoom(kServerLabel, line.startsWith(prefix) ? line.mid(prefix.size()) : line);
+        });
 }
 
 RoomSession::~RoomSession() {
@@ -160,6 +163,28 @@ void RoomSession::join(const QString& channel) {
     server_.link().SendPacket(channel, out::kJoinRoom);
 }
 
+bool RoomSession::joinListed(const QString& channel) {
+    if (roomIndex(channel) >= 0) {
+        if (selected_ >= 0) {
+            showLine(selected_, QStringLiteral("Error: Already located in channel.."),
+                     QStringLiteral("You are already located in: ") + channel + QStringLiteral("!"),
+                     settings_.values().color(ColorScheme::HostNick),
+                     settings_.values().color(ColorScheme::HostText));
+        }
+        return false;
+    }
+    server_.link().SendPacket(channel, out::kJoinRoom);
+    return true;
+}
+
+void RoomSession::joinWithPassword(const QString& channel, const QString& password) {
+    if (channel.isEmpty() || roomIndex(channel) >= 0) {
+        return;
+    }
+    pendingPasswords_.insert(channel.toLower(), password);
+    server_.link().SendPacket(channel + QLatin1Char(':') + password, out::kJoinRoom);
+}
+
 void RoomSession::leave(int index) {
     if (index < 0 || index >= count()) {
         return;
@@ -185,7 +210,8 @@ bool RoomSession::sendLine(int index, const QString& text) {
         return true;
     }
     if (!server_.online()) {
-        showLine(index, kServerLabel, QStringLiteral("You are not connected: your line was not sent."),
+        showLine(index, kServerLabel,
+                 QStringLiteral("You are not connected: your line was not sent."),
                  settings_.values().color(ColorScheme::HostNick),
                  settings_.values().color(ColorScheme::HostText));
         return true;
@@ -227,8 +253,8 @@ RoomSession::IgnoreResult RoomSession::ignoreMember(int index, const QString& li
     return IgnoreResult::Ignored;
 }
 
-void RoomSession::showLine(int index, const QString& label, const QString& text,
-                           WinColor nameColor, WinColor textColor) {
+void RoomSession::showLine(int index, const QString& label, const QString& text, WinColor nameColor,
+                           WinColor textColor) {
     if (index < 0 || index >= count()) {
         return;
     }
@@ -251,8 +277,21 @@ void RoomSession::showFormatted(const QString& channel, const QString& label, QS
 }
 
 void RoomSession::onJoined(const ServerMessage& message) {
-    const QString name = message.payload;
-    if (name.isEmpty() || name.contains(QLatin1Char(':')) || name.contains(QLatin1Char(';'))) {
+    // A channel name holds no ":"; a sentence after one is a protected channel asking for its
+    // password instead of letting the member in.
+    const int colon = message.payload.indexOf(QLatin1Char(':'));
+    const QString name = colon < 0 ? message.payload : message.payload.left(colon);
+    if (name.isEmpty() || name.contains(QLatin1Char(';'))) {
+        return;
+    }
+    const QString password = pendingPasswords_.take(name.toLower());
+    if (colon >= 0) {
+        const int open = roomIndex(name);
+        if (open >= 0) {
+            // A rejoin whose saved password no longer works.
+            rooms_[static_cast<std::size_t>(open)].password.clear();
+        }
+        emit passwordRequested(name, message.payload.mid(colon + 1));
         return;
     }
     const int existing = roomIndex(name);
@@ -264,6 +303,9 @@ void RoomSession::onJoined(const ServerMessage& message) {
         return;
     }
     openRoom(name);
+    if (!password.isEmpty()) {
+        rooms_.back().password = password;
+    }
 }
 
 void RoomSession::openRoom(const QString& name) {
@@ -389,7 +431,9 @@ void RoomSession::onChannelLine(const ServerMessage& message) {
 }
 
 void RoomSession::onRemoved(const ServerMessage& message) {
+    // channel ":" why; the reason may hold ":" itself.
     const QString channel = message.payload.section(QLatin1Char(':'), 0, 0);
+    const QString why = message.payload.section(QLatin1Char(':'), 1);
     const int index = roomIndex(channel);
     if (index < 0) {
         return;
@@ -398,6 +442,10 @@ void RoomSession::onRemoved(const ServerMessage& message) {
              QStringLiteral("You have been removed from this channel..."),
              settings_.values().color(ColorScheme::HostNick),
              settings_.values().color(ColorScheme::HostText));
+    // The server has taken the member out already: the tab goes without a leave request.
+    const QString spelled = room(index).name;
+    removeRoom(index);
+    emit removedFromRoom(spelled, why);
 }
 
 void RoomSession::onLinkState(bool online) {
@@ -423,18 +471,22 @@ void RoomSession::onLoginAccepted() {
                  QStringLiteral("Rejoining chat room in %1 second(s).").arg(seconds),
                  settings_.values().color(ColorScheme::HostNick),
                  settings_.values().color(ColorScheme::HostText));
-        rejoinLater(room(i).name, seconds);
+        const Room& again = room(i);
+        rejoinLater(
+            again.password.isEmpty() ? again.name : again.name + QLatin1Char(':') + again.password,
+            seconds);
     }
 }
 
-void RoomSession::rejoinLater(const QString& name, int seconds) {
+void RoomSession::rejoinLater(const QString& request, int seconds) {
     const int round = rejoinRound_;
-    QTimer::singleShot(seconds * 1000, this, [this, name, round] {
+    QTimer::singleShot(seconds * 1000, this, [this, request, round] {
         if (round != rejoinRound_) {
             return;
         }
-        if (server_.online() && roomIndex(name) >= 0) {
-            server_.link().SendPacket(name, out::kJoinRoom);
+        // The request is the channel, and its password after a ":" when it has one.
+        if (server_.online() && roomIndex(request.section(QLatin1Char(':'), 0, 0)) >= 0) {
+            server_.link().SendPacket(request, out::kJoinRoom);
         }
     });
 }

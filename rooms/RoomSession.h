@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -10,7 +11,9 @@
 #include "core/FloodMeter.h"
 #include "core/ServerMessage.h"
 #include "render/LineTargets.h"
+#include "rooms/ChannelDirectory.h"
 #include "rooms/Room.h"
+#include "rooms/RoomInvitations.h"
 
 namespace tavren {
 
@@ -55,6 +58,15 @@ class RoomSession : public QObject, public RoomLineTarget {
     // Asks the server for a channel; a channel that is already open is not asked for again,
     // the current channel says so instead.
     void join(const QString& channel);
+    // The same from the channel directory or an invitation, whose refusal reads "You are already
+    // located in: " + channel + "!". False when nothing was sent.
+    bool joinListed(const QString& channel);
+    // The password prompt's answer to a protected channel: (2, 4) channel ":" password. The
+    // password is kept with the channel once joined, for getting back in after a lost link.
+    void joinWithPassword(const QString& channel, const QString& password);
+
+    ChannelDirectory& directory() { return directory_; }
+    RoomInvitations& invitations() { return invitations_; }
     // Leaves one channel: the server is told and the tab goes.
     void leave(int index);
     // The room window closes: every channel is left at once.
@@ -91,6 +103,11 @@ class RoomSession : public QObject, public RoomLineTarget {
     void selectionChanged(int index);
     void lineAdded(int paneIndex, const QString& html);
     void paneCleared(int paneIndex);
+    // A protected channel asks for its password (the server's sentence says why: the first ask,
+    // or a wrong password).
+    void passwordRequested(const QString& channel, const QString& sentence);
+    // Somebody took the member out of a channel (kicked, banned); its tab is gone already.
+    void removedFromRoom(const QString& channel, const QString& why);
 
   private:
     void openRoom(const QString& name);
@@ -100,7 +117,7 @@ class RoomSession : public QObject, public RoomLineTarget {
     void onLoginAccepted();
     void onSessionSettings(const QString& defaultRoom);
     void onFloodLimits(int maximum, int drainMs);
-    void rejoinLater(const QString& name, int seconds);
+    void rejoinLater(const QString& request, int seconds);
     void runPerformList(bool& joinedAny);
     void playLineSound(bool fromChanHost);
     void showFormatted(const QString& channel, const QString& label, QString text,
@@ -123,6 +140,10 @@ class RoomSession : public QObject, public RoomLineTarget {
     QTimer drain_;
     bool meterRegistered_ = false;
     QElapsedTimer lastLineSound_;
+    // Passwords sent with a join that the server has not answered yet, by lower-case channel.
+    QHash<QString, QString> pendingPasswords_;
+    ChannelDirectory directory_;
+    RoomInvitations invitations_;
 };
 
 }  // namespace tavren

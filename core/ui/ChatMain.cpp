@@ -41,6 +41,7 @@
 #include "core/ui/ToolBarIcons.h"
 #include "pm/ui/ChatPM.h"
 #include "render/ui/ChatNickFormat.h"
+#include "rooms/ui/ChannelWindows.h"
 #include "rooms/ui/ChatRoom.h"
 
 namespace tavren {
@@ -58,6 +59,7 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     setWindowIcon(AppIcon::make(false));
     setMinimumSize(220, 360);
     connectionWindows_ = new ConnectionWindows(session_.server(), *prompter_, this);
+    channelWindows_ = new ChannelWindows(session_, *prompter_, *this, this);
     contactWindows_ = new ContactWindows(session_, *prompter_, this);
     buildMenus();
     buildCentralArea();
@@ -159,8 +161,15 @@ void ChatMain::buildMenus() {
     connect(
         addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."), false),
         &QAction::triggered, this, &ChatMain::promptJoinChannel);
-    addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false);
-    addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false);
+    connect(addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."),
+                       false),
+            &QAction::triggered, channelWindows_, &ChannelWindows::openDirectory);
+    connect(addCommand(chatMenu, QStringLiteral("createroom"),
+                       QStringLiteral("&Create Channel.."), false),
+            &QAction::triggered, channelWindows_, &ChannelWindows::openCreation);
+    connect(
+        addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false),
+        &QAction::triggered, channelWindows_, [this] { channelWindows_->openInviteSender(); });
     chatMenu->addSeparator();
     connect(addCommand(chatMenu, QStringLiteral("sendmsg"),
                        QStringLiteral("Send &Private Message.."), false),
@@ -388,6 +397,9 @@ void ChatMain::setOnlineLook(bool online) {
     for (const char* name : {"mnuaddbuddy", "editbuddys"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
+    for (const char* name : {"findchat", "createroom", "inviteuser"}) {
+        actions_.value(QString::fromLatin1(name))->setEnabled(online);
+    }
     for (const char* name : {"editprofile", "readmessages", "membersearch"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
@@ -579,6 +591,18 @@ void ChatMain::openNicknameFormat() {
     if (dialog.exec() == QDialog::Accepted) {
         session_.server().accountRequests().changeNicknameFormat(dialog.formatText());
     }
+}
+
+void ChatMain::openChannelDirectory() {
+    channelWindows_->showDirectory();
+}
+
+void ChatMain::openChannelCreation() {
+    channelWindows_->openCreation();
+}
+
+void ChatMain::openInviteSender() {
+    channelWindows_->openInviteSender();
 }
 
 void ChatMain::closeRoomWindow() {

@@ -19,6 +19,7 @@ class QTreeWidget;
 namespace tavren {
 
 class ChatPM;
+class ChannelWindows;
 class ChatRoom;
 class DesktopNotices;
 class ClientSession;
@@ -57,6 +58,10 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void openNicknameFormat() override;
     void openAbout() override { showAbout(); }
     void closeRoomWindow() override;
+    void openChannelDirectory() override;
+    void openChannelCreation() override;
+    void openInviteSender() override;
+    ChannelWindows& channelWindows() { return *channelWindows_; }
     void openProfileEditor() override;
     ContactWindows& contactWindows() { return *contactWindows_; }
 
@@ -93,6 +98,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     QToolButton* mailButton_ = nullptr;
     QSystemTrayIcon* tray_ = nullptr;
     ConnectionWindows* connectionWindows_ = nullptr;
+    ChannelWindows* channelWindows_ = nullptr;
     ContactWindows* contactWindows_ = nullptr;
     ChatConfig* settingsWindow_ = nullptr;
     ChatRoom* roomWindow_ = nullptr;

@@ -23,6 +23,7 @@
 #include "render/ui/SmileyPicker.h"
 #include "rooms/RoomCommandHost.h"
 #include "rooms/RoomCommands.h"
+#include "rooms/RoomModeration.h"
 #include "rooms/RoomSession.h"
 #include "rooms/ui/RoomIcons.h"
 #include "rooms/ui/RoomInputBox.h"
@@ -40,7 +41,9 @@ ChatRoom::ChatRoom(ClientSession& session, RoomCommandHost& host, Prompter& prom
       session_(session),
       rooms_(session.rooms()),
       prompter_(prompter),
-      commands_(std::make_unique<RoomCommands>(session.rooms(), session.server().link(), host)) {
+      host_(host),
+      commands_(std::make_unique<RoomCommands>(session.rooms(), session.server().link(), host)),
+      moderation_(std::make_unique<RoomModeration>(session.rooms(), prompter)) {
     setObjectName(QStringLiteral("ChatRoom"));
     setAttribute(Qt::WA_DeleteOnClose, false);
     setMinimumSize(420, 300);
@@ -109,6 +112,16 @@ void ChatRoom::buildMenus() {
     connect(addCommand(channel, QStringLiteral("closewin"), tr("&Leave Channel")),
             &QAction::triggered, this, &ChatRoom::leaveSelected);
     channel->addSeparator();
+    connect(addCommand(channel, QStringLiteral("findchat"), tr("&Find Channels..")),
+            &QAction::triggered, this, [this] {
+                rooms_.directory().request();
+                host_.openChannelDirectory();
+            });
+    connect(addCommand(channel, QStringLiteral("createroom"), tr("C&reate Channel..")),
+            &QAction::triggered, this, [this] { host_.openChannelCreation(); });
+    connect(addCommand(channel, QStringLiteral("inviteuser"), tr("&Invite User..")),
+            &QAction::triggered, this, [this] { host_.openInviteSender(); });
+    channel->addSeparator();
     connect(addCommand(channel, QStringLiteral("clearpane"), tr("C&lear Window")),
             &QAction::triggered, this, [this] { rooms_.clearPane(rooms_.selected()); });
     connect(addCommand(channel, QStringLiteral("copy"), tr("&Copy")), &QAction::triggered, this,
@@ -133,6 +146,23 @@ void ChatRoom::buildMenus() {
         const QString name = QString::fromLatin1(command);
         connect(addCommand(server, name, caption), &QAction::triggered, this,
                 [this, name] { sendServerCommand(QLatin1Char('/') + name); });
+    }
+
+    // The server decides who may do what; everybody sees the same items.
+    QMenu* moderate = menuBar()->addMenu(tr("&Moderate"));
+    const std::pair<const char*, QString> roomItems[] = {
+        {"mlistban", tr("&Ban List")},
+        {"voter", tr("Start a &Vote..")},
+        {"voteyes", tr("Vote &Yes")},
+        {"voteno", tr("Vote &No")},
+    };
+    for (const auto& [item, caption] : roomItems) {
+        const QString name = QString::fromLatin1(item);
+        connect(addCommand(moderate, name, caption), &QAction::triggered, this,
+                [this, name] { moderation_->onRoomItem(name); });
+        if (name == QLatin1String("mlistban")) {
+            moderate->addSeparator();
+        }
     }
 
     tabMenu_ = new QMenu(this);
@@ -308,10 +338,7 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     const QString name = StripRankMarks(listedName);
     QMenu menu(this);
     menu.setObjectName(QStringLiteral("memberMenu"));
-    QAction* info = menu.addAction(tr("&Info on %1").arg(name));
-    info->setObjectName(QStringLiteral("info"));
-    connect(info, &QAction::triggered, this,
-            [this, name] { sendServerCommand(QStringLiteral("/info ") + name); });
+    addModerationItems(menu, name);
     QAction* ignore = menu.addAction(tr("I&gnore %1").arg(name));
     ignore->setObjectName(QStringLiteral("ignore"));
     connect(ignore, &QAction::triggered, this, [this, listedName] { ignoreMember(listedName); });
@@ -330,6 +357,31 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     profile->setObjectName(QStringLiteral("viewit"));
     connect(profile, &QAction::triggered, this, [this, name] { session_.profiles().view(name); });
     menu.exec(globalPos);
+}
+
+void ChatRoom::addModerationItems(QMenu& menu, const QString& name) {
+    const std::pair<const char*, QString> items[] = {
+        {"info", tr("&Info on %1").arg(name)},
+        {"referal", tr("&Referrals of %1").arg(name)},
+        {nullptr, {}},
+        {"kick", tr("&Kick..")},
+        {"chanban", tr("&Channel Ban..")},
+        {"mban", tr("&Ban From All Channels..")},
+        {"subnetban", tr("Subnet Ba&n..")},
+        {"suspendacc", tr("S&uspend Account..")},
+        {nullptr, {}},
+    };
+    for (const auto& [item, caption] : items) {
+        if (item == nullptr) {
+            menu.addSeparator();
+            continue;
+        }
+        QAction* action = menu.addAction(caption);
+        const QString itemName = QString::fromLatin1(item);
+        action->setObjectName(itemName);
+        connect(action, &QAction::triggered, this,
+                [this, itemName, name] { moderation_->onMemberItem(itemName, name); });
+    }
 }
 
 void ChatRoom::sendServerCommand(const QString& command) {

@@ -17,6 +17,7 @@ class ClientSession;
 class Prompter;
 class RoomCommandHost;
 class RoomCommands;
+class RoomModeration;
 class RoomSession;
 class RoomTab;
 class SmileyPicker;
@@ -56,6 +57,7 @@ class ChatRoom : public QMainWindow {
     void showTabMenu(const QPoint& at);
     void showMemberMenu(const QString& listedName, const QPoint& globalPos);
     void sendServerCommand(const QString& command);
+    void addModerationItems(QMenu& menu, const QString& name);
     void ignoreMember(const QString& listedName);
     void leaveSelected();
     void copyPane();
@@ -67,7 +69,9 @@ class ChatRoom : public QMainWindow {
     ClientSession& session_;
     RoomSession& rooms_;
     Prompter& prompter_;
+    RoomCommandHost& host_;
     std::unique_ptr<RoomCommands> commands_;
+    std::unique_ptr<RoomModeration> moderation_;
     QHash<QString, QAction*> actions_;
     QHash<int, RoomTab*> tabsByPane_;
     QTabBar* tabs_ = nullptr;

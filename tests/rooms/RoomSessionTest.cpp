@@ -155,15 +155,17 @@ TEST_F(RoomSessionTest, NoticesOfTheClientItself) {
     deliver(in::kMemberList, QStringLiteral("General:alice;bob;"));
     rooms().join(QStringLiteral("general"));
     deliver(in::kMemberList, QStringLiteral("General:alice;carol;"));
-    deliver(in::kRemovedFromRoom, QStringLiteral("General"));
     const QStringList shown = linesOf(0);
-    ASSERT_EQ(shown.size(), 4);
+    ASSERT_EQ(shown.size(), 3);
     EXPECT_TRUE(shown[0].contains(QStringLiteral("Error: Already located in channel..")));
     EXPECT_TRUE(shown[0].contains(QStringLiteral("You are already located in channel: general!")));
     EXPECT_TRUE(shown[1].contains(QStringLiteral("carol has joined the channel.")));
     EXPECT_TRUE(shown[2].contains(QStringLiteral("bob has left the channel.")));
-    EXPECT_TRUE(shown[3].contains(QStringLiteral("Server: ")));
-    EXPECT_TRUE(shown[3].contains(QStringLiteral("You have been removed from this channel...")));
+    // Removed by the server: said in the pane as the tab goes.
+    deliver(in::kRemovedFromRoom, QStringLiteral("General"));
+    EXPECT_EQ(rooms().count(), 0);
+    EXPECT_TRUE(lines.back().second.contains(QStringLiteral("Server: ")));
+    EXPECT_TRUE(lines.back().second.contains(QStringLiteral("You have been removed from this channel...")));
 }
 
 TEST_F(RoomSessionTest, TheServerSetsTheFloodMeter) {
