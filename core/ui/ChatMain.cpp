@@ -161,11 +161,11 @@ void ChatMain::buildMenus() {
     connect(
         addCommand(chatMenu, QStringLiteral("joinroom"), QStringLiteral("&Join Channel.."), false),
         &QAction::triggered, this, &ChatMain::promptJoinChannel);
-    connect(addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."),
+    connect(
+        addCommand(chatMenu, QStringLiteral("findchat"), QStringLiteral("&Find Channels.."), false),
+        &QAction::triggered, channelWindows_, &ChannelWindows::openDirectory);
+    connect(addCommand(chatMenu, QStringLiteral("createroom"), QStringLiteral("&Create Channel.."),
                        false),
-            &QAction::triggered, channelWindows_, &ChannelWindows::openDirectory);
-    connect(addCommand(chatMenu, QStringLiteral("createroom"),
-                       QStringLiteral("&Create Channel.."), false),
             &QAction::triggered, channelWindows_, &ChannelWindows::openCreation);
     connect(
         addCommand(chatMenu, QStringLiteral("inviteuser"), QStringLiteral("&Invite User.."), false),
