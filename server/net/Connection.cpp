@@ -44,11 +44,8 @@ Connection::Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
       peerAddress_(std::move(peerAddress)),
       addressGroup_(std::move(addressGroup)),
       memory_(memory),
-      writeSignal_(socket_.get_executor()),
-      pingTimer_(socket_.get_executor()),
-      deadline_(socket_.get_executor()),
+      clock_(socket_.get_executor()),
       paceTimer_(socket_.get_executor()),
-      inboundReady_(socket_.get_executor()),
       inboundSpace_(socket_.get_executor()),
       queue_(config.outgoingQueueLimit),
       cutter_(std::min(config.maxPayload, config.maxPayloadBeforeLogin)),
@@ -62,11 +59,11 @@ void Connection::start() {
         socket_.set_option(asio::socket_base::send_buffer_size(config_.socketSendBuffer), ignored);
     }
     logFromPeer("connection from " + peerAddress_);
+    const auto now = std::chrono::steady_clock::now();
+    nextPing_ = now + config_.pingInterval;
+    loginDeadline_ = now + config_.loginTimeout;
     spawn(readLoop());
-    spawn(handleLoop());
-    spawn(writeLoop());
-    spawn(pingLoop());
-    spawn(deadlineLoop());
+    spawn(clockLoop());
 }
 
 void Connection::spawn(asio::awaitable<void> loop) {
@@ -99,11 +96,8 @@ void Connection::stop(std::string_view reason) {
     asio::error_code ignored;
     socket_.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
     socket_.close(ignored);
-    writeSignal_.cancel();
-    inboundReady_.cancel();
     inboundSpace_.cancel();
-    pingTimer_.cancel();
-    deadline_.cancel();
+    clock_.cancel();
     paceTimer_.cancel();
     slot_.reset();
     // Nothing read or queued from now on counts; the memory itself goes with the connection.
@@ -142,7 +136,25 @@ void Connection::sendFrame(SharedFrame frame) {
                    [self = shared_from_this()] { self->stop("outgoing queue full"); });
         return;
     }
-    writeSignal_.cancel_one();
+    startWriting();
+}
+
+void Connection::startWriting() {
+    if (writing_ || stopped_) {
+        return;
+    }
+    writing_ = true;
+    asio::post(socket_.get_executor(),
+               [self = shared_from_this()] { self->spawn(self->writeLoop()); });
+}
+
+void Connection::startHandling() {
+    if (handling_ || stopped_) {
+        return;
+    }
+    handling_ = true;
+    asio::post(socket_.get_executor(),
+               [self = shared_from_this()] { self->spawn(self->handleLoop()); });
 }
 
 void Connection::finish(std::string_view reason) {
@@ -154,10 +166,10 @@ void Connection::finish(std::string_view reason) {
     if (handler_) {
         handler_->disconnected();
     }
-    writeSignal_.cancel_one();
-    inboundReady_.cancel();
+    startWriting();  // to write what is queued, then say so
     inboundSpace_.cancel();
-    deadline_.expires_after(kFinishGrace);
+    finishDeadline_ = std::chrono::steady_clock::now() + kFinishGrace;
+    clock_.cancel();
 }
 
 asio::awaitable<void> Connection::readLoop() {
@@ -253,32 +265,36 @@ asio::awaitable<void> Connection::takeBufferedFrames() {
         // unread, and the pinger must not blame the client for that.
         readerBusy_ = true;
         const std::size_t size = cut.frame.payload.size();
-        while ((inbound_.size() >= kInboundLimit ||
-                (!inbound_.empty() && inboundBytes_ + size > config_.inboundByteLimit)) &&
+        const auto waiting = [this] { return inbound_ ? inbound_->size() : std::size_t{0}; };
+        while ((waiting() >= kInboundLimit ||
+                (waiting() > 0 && inboundBytes_ + size > config_.inboundByteLimit)) &&
                !stopped_ && !finishing_) {
             co_await waitFor(inboundSpace_);
         }
         readerBusy_ = false;
         inboundBytes_ += size;
-        inbound_.push_back(std::move(cut.frame));
-        inboundReady_.cancel_one();
+        if (!inbound_) {
+            inbound_.emplace();
+        }
+        inbound_->push_back(std::move(cut.frame));
+        startHandling();
     }
 }
 
 asio::awaitable<void> Connection::handleLoop() {
     auto self = shared_from_this();
-    while (!stopped_ && !finishing_) {
-        if (inbound_.empty()) {
-            co_await waitFor(inboundReady_);
-            continue;
+    while (!stopped_ && !finishing_ && inbound_ && !inbound_->empty()) {
+        protocol::Frame frame = std::move(inbound_->front());
+        inbound_->pop_front();
+        if (inbound_->empty()) {
+            inbound_.reset();
         }
-        protocol::Frame frame = std::move(inbound_.front());
-        inbound_.pop_front();
         inboundBytes_ -= frame.payload.size();
         chargeMemory();  // shrinking always succeeds
         inboundSpace_.cancel_one();
         co_await handler_->handle(std::move(frame));
     }
+    handling_ = false;
 }
 
 asio::awaitable<void> Connection::waitFor(asio::steady_timer& signal) {
@@ -314,11 +330,9 @@ asio::awaitable<void> Connection::writeLoop() {
                 // notices) or the grace period run out.
                 asio::error_code ignored;
                 socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
-                co_return;
             }
-            writeSignal_.expires_at(asio::steady_timer::time_point::max());
-            co_await writeSignal_.async_wait(kAwaitResult);
-            continue;
+            writing_ = false;  // the next frame queued starts a writer again
+            co_return;
         }
         // The frames stay in the queue, where nothing moves them, until they are written.
         const std::size_t count = std::min(queue_.size(), kWriteBatch);
@@ -339,49 +353,55 @@ asio::awaitable<void> Connection::writeLoop() {
     }
 }
 
-asio::awaitable<void> Connection::pingLoop() {
+asio::awaitable<void> Connection::clockLoop() {
     auto self = shared_from_this();
     while (!stopped_) {
-        pingTimer_.expires_after(config_.pingInterval);
-        co_await pingTimer_.async_wait(kAwaitResult);
-        if (stopped_ || finishing_) {
-            co_return;
+        auto wake = nextPing_;
+        if (!loginChecked_) {
+            wake = std::min(wake, loginDeadline_);
         }
-        if (readerBusy_) {
-            send(protocol::server_to_client::kPing, replies::kPing);
-            continue;
+        if (finishing_) {
+            wake = std::min(wake, finishDeadline_);
         }
-        if (unansweredPings_ >= config_.pingMisses) {
-            stop("no answer to " + std::to_string(unansweredPings_) + " pings");
-            co_return;
-        }
-        send(protocol::server_to_client::kPing, replies::kPing);
-        ++unansweredPings_;
-    }
-}
-
-asio::awaitable<void> Connection::deadlineLoop() {
-    auto self = shared_from_this();
-    deadline_.expires_after(config_.loginTimeout);
-    while (!stopped_) {
-        const auto [error] = co_await deadline_.async_wait(kAwaitResult);
+        clock_.expires_at(wake);
+        co_await clock_.async_wait(kAwaitResult);  // cancelled by finish() to plan again
         if (stopped_) {
             co_return;
         }
-        if (error == asio::error::operation_aborted) {
-            continue;  // re-armed by finish()
-        }
-        if (finishing_) {
+        tick(std::chrono::steady_clock::now());
+    }
+}
+
+void Connection::tick(std::chrono::steady_clock::time_point now) {
+    if (finishing_) {
+        if (now >= finishDeadline_) {
             stop("did not take its last frames");
-            co_return;
         }
+        return;  // no pings for a closing link
+    }
+    if (!loginChecked_ && now >= loginDeadline_) {
+        loginChecked_ = true;
         if (!handler_->loggedIn()) {
             send(replies::kNotice, "You did not log in in time. Please connect again.");
             finish("login time-out");
-            continue;
+            return;
         }
-        deadline_.expires_at(asio::steady_timer::time_point::max());
     }
+    if (now < nextPing_) {
+        return;
+    }
+    nextPing_ = now + config_.pingInterval;
+    if (readerBusy_) {
+        // The client's "Pong"s wait unread behind frames we hold back; not its fault.
+        send(protocol::server_to_client::kPing, replies::kPing);
+        return;
+    }
+    if (unansweredPings_ >= config_.pingMisses) {
+        stop("no answer to " + std::to_string(unansweredPings_) + " pings");
+        return;
+    }
+    send(protocol::server_to_client::kPing, replies::kPing);
+    ++unansweredPings_;
 }
 
 }  // namespace tavren::server

@@ -19,9 +19,10 @@
 
 namespace tavren::server {
 
-// One client's TCP connection, as five coroutines: a reader that cuts frames out of the stream,
-// paces them and queues them; a handler loop that gives them to the session one at a time,
-// in order; a writer that drains the outgoing queue; a pinger; and a deadline for logging in.
+// One client's TCP connection, as coroutines: a reader that cuts frames out of the stream, paces
+// them and queues them; a clock for pings, the login deadline and the grace of a closing link;
+// and, only while there is work, a handler that gives the queued frames to the session one at a
+// time, in order, and a writer that drains the outgoing queue.
 // Reading goes on while a request is being handled, so a client that hangs up is noticed at once
 // and the work it left behind is skipped. Each coroutine holds the connection alive; stop()
 // closes the socket and wakes them all, and the connection is gone once the last has returned.
@@ -64,8 +65,11 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     asio::awaitable<void> handleLoop();
     asio::awaitable<void> waitFor(asio::steady_timer& signal);
     asio::awaitable<void> writeLoop();
-    asio::awaitable<void> pingLoop();
-    asio::awaitable<void> deadlineLoop();
+    asio::awaitable<void> clockLoop();
+    void tick(std::chrono::steady_clock::time_point now);
+    // Starts the handler or the writer from the event loop when it is not running already.
+    void startHandling();
+    void startWriting();
     // False when the client has to go for flooding.
     asio::awaitable<bool> pace();
     void spawn(asio::awaitable<void> loop);
@@ -81,14 +85,16 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     std::string addressGroup_;
     MemoryBudget& memory_;
     std::size_t memoryHeld_ = 0;
-    asio::steady_timer writeSignal_;
-    asio::steady_timer pingTimer_;
-    asio::steady_timer deadline_;
+    asio::steady_timer clock_;  // cancelled to plan the next wake-up again
     asio::steady_timer paceTimer_;
-    asio::steady_timer inboundReady_;  // cancelled when a frame is queued
     asio::steady_timer inboundSpace_;  // cancelled when a frame is taken
+    std::chrono::steady_clock::time_point nextPing_;
+    std::chrono::steady_clock::time_point loginDeadline_;
+    std::chrono::steady_clock::time_point finishDeadline_;
     OutgoingQueue queue_;
-    std::deque<protocol::Frame> inbound_;
+    // Made when the first frame waits and given back when the last is taken, so an idle
+    // connection holds no block of it.
+    std::optional<std::deque<protocol::Frame>> inbound_;
     std::size_t inboundBytes_ = 0;  // payload bytes in inbound_
     protocol::FrameCutter cutter_;
     bool fullPayloadAllowed_ = false;  // the cutter's limit was raised after the password
@@ -97,6 +103,9 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     std::unique_ptr<FrameHandler> handler_;  // made in start(), once the link can be shared
     int unansweredPings_ = 0;
     bool readerBusy_ = false;
+    bool handling_ = false;
+    bool writing_ = false;
+    bool loginChecked_ = false;
     bool finishing_ = false;
     bool overflowed_ = false;  // dropped for not reading; the stop follows at once
     bool stopped_ = false;

@@ -3,18 +3,24 @@
 namespace tavren::server {
 
 bool OutgoingQueue::push(SharedFrame frame) {
-    if (frames_.size() >= frameLimit_ || frame->size() > byteLimit_ - bytes_) {
+    if (size() >= frameLimit_ || frame->size() > byteLimit_ - bytes_) {
         return false;
     }
     bytes_ += frame->size();
-    frames_.push_back(std::move(frame));
+    if (!frames_) {
+        frames_.emplace();
+    }
+    frames_->push_back(std::move(frame));
     return true;
 }
 
 void OutgoingQueue::pop(std::size_t count) {
-    for (; count > 0 && !frames_.empty(); --count) {
-        bytes_ -= frames_.front()->size();
-        frames_.pop_front();
+    for (; count > 0 && frames_; --count) {
+        bytes_ -= frames_->front()->size();
+        frames_->pop_front();
+        if (frames_->empty()) {
+            frames_.reset();
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 
 #include "server/net/ClientLink.h"
 
@@ -21,16 +22,17 @@ class OutgoingQueue {
     // False, with nothing queued, when the frame does not fit.
     bool push(SharedFrame frame);
     // The i-th frame from the front; frames stay where they are while others are pushed behind.
-    const std::string& at(std::size_t i) const { return *frames_[i]; }
+    const std::string& at(std::size_t i) const { return *(*frames_)[i]; }
     const std::string& front() const { return at(0); }
     // Removes `count` frames from the front.
     void pop(std::size_t count = 1);
-    bool empty() const { return frames_.empty(); }
-    std::size_t size() const { return frames_.size(); }
+    bool empty() const { return !frames_; }
+    std::size_t size() const { return frames_ ? frames_->size() : 0; }
     std::size_t bytes() const { return bytes_; }
 
   private:
-    std::deque<SharedFrame> frames_;
+    // Made with the first frame and given back with the last, so an idle client costs no block.
+    std::optional<std::deque<SharedFrame>> frames_;
     std::size_t frameLimit_;
     std::size_t byteLimit_;
     std::size_t bytes_ = 0;
