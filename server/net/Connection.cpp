@@ -62,8 +62,10 @@ void Connection::start() {
     const auto now = std::chrono::steady_clock::now();
     nextPing_ = now + config_.pingInterval;
     loginDeadline_ = now + config_.loginTimeout;
-    spawn(readLoop());
-    spawn(clockLoop());
+    asio::error_code nonBlocking;
+    socket_.non_blocking(true, nonBlocking);
+    waitReadable();
+    scheduleClock();
 }
 
 void Connection::spawn(asio::awaitable<void> loop) {
@@ -172,23 +174,24 @@ void Connection::finish(std::string_view reason) {
     clock_.cancel();
 }
 
-asio::awaitable<void> Connection::readLoop() {
+void Connection::waitReadable() {
+    socket_.async_wait(asio::ip::tcp::socket::wait_read,
+                       [self = shared_from_this()](const asio::error_code& error) {
+                           if (self->stopped_) {
+                               return;
+                           }
+                           if (error) {
+                               self->stop(error.message());
+                               return;
+                           }
+                           self->spawn(self->readBurst());
+                       });
+}
+
+asio::awaitable<void> Connection::readBurst() {
     auto self = shared_from_this();
-    asio::error_code ignored;
-    socket_.non_blocking(true, ignored);
-    while (!stopped_) {
-        const auto [error] =
-            co_await socket_.async_wait(asio::ip::tcp::socket::wait_read, kAwaitResult);
-        if (stopped_) {
-            co_return;
-        }
-        if (error) {
-            stop(error.message());
-            co_return;
-        }
-        if (!co_await readAvailable()) {
-            co_return;
-        }
+    if (co_await readAvailable()) {
+        waitReadable();
     }
 }
 
@@ -353,23 +356,26 @@ asio::awaitable<void> Connection::writeLoop() {
     }
 }
 
-asio::awaitable<void> Connection::clockLoop() {
-    auto self = shared_from_this();
-    while (!stopped_) {
-        auto wake = nextPing_;
-        if (!loginChecked_) {
-            wake = std::min(wake, loginDeadline_);
-        }
-        if (finishing_) {
-            wake = std::min(wake, finishDeadline_);
-        }
-        clock_.expires_at(wake);
-        co_await clock_.async_wait(kAwaitResult);  // cancelled by finish() to plan again
-        if (stopped_) {
-            co_return;
-        }
-        tick(std::chrono::steady_clock::now());
+void Connection::scheduleClock() {
+    auto wake = nextPing_;
+    if (!loginChecked_) {
+        wake = std::min(wake, loginDeadline_);
     }
+    if (finishing_) {
+        wake = std::min(wake, finishDeadline_);
+    }
+    clock_.expires_at(wake);
+    clock_.async_wait([self = shared_from_this()](const asio::error_code& error) {
+        if (self->stopped_) {
+            return;
+        }
+        if (!error) {
+            self->tick(std::chrono::steady_clock::now());
+        }
+        if (!self->stopped_) {
+            self->scheduleClock();  // cancelled by finish(): plan again with its deadline
+        }
+    });
 }
 
 void Connection::tick(std::chrono::steady_clock::time_point now) {

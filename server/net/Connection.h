@@ -58,14 +58,18 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     // stream reaches a frame boundary.
     static constexpr std::size_t kLargeFrame = 64 * 1024;
 
-    asio::awaitable<void> readLoop();
+    // Waits for bytes with a plain handler; a coroutine runs only while they are being taken.
+    void waitReadable();
+    asio::awaitable<void> readBurst();
     // Reads what the socket holds; false when the connection ended.
     asio::awaitable<bool> readAvailable();
     asio::awaitable<void> takeBufferedFrames();
     asio::awaitable<void> handleLoop();
     asio::awaitable<void> waitFor(asio::steady_timer& signal);
     asio::awaitable<void> writeLoop();
-    asio::awaitable<void> clockLoop();
+    // The clock waits with a plain handler, not a coroutine: it is what every idle connection
+    // has pending, so it should cost little.
+    void scheduleClock();
     void tick(std::chrono::steady_clock::time_point now);
     // Starts the handler or the writer from the event loop when it is not running already.
     void startHandling();
