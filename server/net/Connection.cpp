@@ -45,8 +45,6 @@ Connection::Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
       addressGroup_(std::move(addressGroup)),
       memory_(memory),
       clock_(socket_.get_executor()),
-      paceTimer_(socket_.get_executor()),
-      inboundSpace_(socket_.get_executor()),
       queue_(config.outgoingQueueLimit),
       cutter_(std::min(config.maxPayload, config.maxPayloadBeforeLogin)),
       rateLimiter_(config.framesPerSecond, config.floodLimit, FrameRateLimiter::Clock::now()) {}
@@ -98,12 +96,23 @@ void Connection::stop(std::string_view reason) {
     asio::error_code ignored;
     socket_.shutdown(asio::ip::tcp::socket::shutdown_both, ignored);
     socket_.close(ignored);
-    inboundSpace_.cancel();
+    if (inboundSpace_) {
+        inboundSpace_->cancel();
+    }
     clock_.cancel();
-    paceTimer_.cancel();
+    if (paceTimer_) {
+        paceTimer_->cancel();
+    }
     slot_.reset();
     // Nothing read or queued from now on counts; the memory itself goes with the connection.
     memory_.resize(memoryHeld_, 0);
+}
+
+asio::steady_timer& Connection::madeTimer(std::optional<asio::steady_timer>& timer) {
+    if (!timer) {
+        timer.emplace(socket_.get_executor());
+    }
+    return *timer;
 }
 
 void Connection::logFromPeer(std::string_view line) const {
@@ -169,7 +178,9 @@ void Connection::finish(std::string_view reason) {
         handler_->disconnected();
     }
     startWriting();  // to write what is queued, then say so
-    inboundSpace_.cancel();
+    if (inboundSpace_) {
+        inboundSpace_->cancel();
+    }
     finishDeadline_ = std::chrono::steady_clock::now() + kFinishGrace;
     clock_.cancel();
 }
@@ -272,7 +283,7 @@ asio::awaitable<void> Connection::takeBufferedFrames() {
         while ((waiting() >= kInboundLimit ||
                 (waiting() > 0 && inboundBytes_ + size > config_.inboundByteLimit)) &&
                !stopped_ && !finishing_) {
-            co_await waitFor(inboundSpace_);
+            co_await waitFor(madeTimer(inboundSpace_));
         }
         readerBusy_ = false;
         inboundBytes_ += size;
@@ -294,7 +305,9 @@ asio::awaitable<void> Connection::handleLoop() {
         }
         inboundBytes_ -= frame.payload.size();
         chargeMemory();  // shrinking always succeeds
-        inboundSpace_.cancel_one();
+        if (inboundSpace_) {
+            inboundSpace_->cancel_one();
+        }
         co_await handler_->handle(std::move(frame));
     }
     handling_ = false;
@@ -315,8 +328,9 @@ asio::awaitable<bool> Connection::pace() {
     }
     if (verdict.kind == FrameRateLimiter::Verdict::Kind::kDelay) {
         readerBusy_ = true;  // as while waiting for the handler
-        paceTimer_.expires_after(verdict.delay);
-        co_await paceTimer_.async_wait(kAwaitResult);
+        asio::steady_timer& pause = madeTimer(paceTimer_);
+        pause.expires_after(verdict.delay);
+        co_await pause.async_wait(kAwaitResult);
         readerBusy_ = false;
     }
     co_return !stopped_;

@@ -79,6 +79,7 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     void spawn(asio::awaitable<void> loop);
     // Brings this connection's share of the memory budget up to date; false when it cannot grow.
     bool chargeMemory();
+    asio::steady_timer& madeTimer(std::optional<asio::steady_timer>& timer);
     void logFromPeer(std::string_view line) const;
 
     asio::ip::tcp::socket socket_;
@@ -90,8 +91,9 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     MemoryBudget& memory_;
     std::size_t memoryHeld_ = 0;
     asio::steady_timer clock_;  // cancelled to plan the next wake-up again
-    asio::steady_timer paceTimer_;
-    asio::steady_timer inboundSpace_;  // cancelled when a frame is taken
+    // Made the first time the reader has to wait: most connections never do.
+    std::optional<asio::steady_timer> paceTimer_;
+    std::optional<asio::steady_timer> inboundSpace_;  // cancelled when a frame is taken
     std::chrono::steady_clock::time_point nextPing_;
     std::chrono::steady_clock::time_point loginDeadline_;
     std::chrono::steady_clock::time_point finishDeadline_;
