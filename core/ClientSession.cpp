@@ -33,6 +33,7 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       locator_(server_.link()),
       privateChats_(server_, settings_, sounds_, files_.ignore(), awayStatus_, rooms_, formatter_,
                     prompter),
+      directLinks_(server_, settings_, privateChats_, formatter_, prompter, dataRoot),
       mailbox_(server_),
       memberSearch_(server_),
       profiles_(server_) {

@@ -15,6 +15,7 @@
 #include "core/AwayStatus.h"
 #include "core/MemberLocator.h"
 #include "core/ServerSession.h"
+#include "pm/DirectLinks.h"
 #include "pm/PrivateChats.h"
 #include "render/ChatLineFormatter.h"
 #include "rooms/RoomSession.h"
@@ -56,6 +57,7 @@ class ClientSession : public QObject {
     BuddyList& buddies() { return buddies_; }
     MemberLocator& locator() { return locator_; }
     PrivateChats& privateChats() { return privateChats_; }
+    DirectLinks& directLinks() { return directLinks_; }
     Mailbox& mailbox() { return mailbox_; }
     MemberSearch& memberSearch() { return memberSearch_; }
     Profiles& profiles() { return profiles_; }
@@ -77,6 +79,7 @@ class ClientSession : public QObject {
     BuddyList buddies_;
     MemberLocator locator_;
     PrivateChats privateChats_;
+    DirectLinks directLinks_;
     Mailbox mailbox_;
     MemberSearch memberSearch_;
     Profiles profiles_;

@@ -135,6 +135,22 @@ int PrivateChats::openConversation(const QString& user) {
     return position;
 }
 
+int PrivateChats::openForPeer(const QString& user) {
+    if (!PrivateMessage::isPlausibleName(user)) {
+        return -1;
+    }
+    const int position = findOrOpen(user, false);
+    if (position >= 0 && position != selected_ && !conversation(position).unread) {
+        at(position).unread = true;
+        emit unreadChanged(position);
+    }
+    return position;
+}
+
+bool PrivateChats::isIgnored(const QString& user) const {
+    return ignoreList_.contains(user);
+}
+
 int PrivateChats::lowestFreeIndex() const {
     for (int index = 0; index < kMaxConversations; ++index) {
         if (!indexesInUse_.test(static_cast<std::size_t>(index))) {

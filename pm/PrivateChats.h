@@ -76,6 +76,11 @@ class PrivateChats : public QObject, public PrivateLineTarget {
     // position, or -1 when the name cannot be a member's or 100 conversations are open (the
     // member is told).
     int openConversation(const QString& user);
+    // Finds or opens the conversation with `user` for something the other member started (a
+    // direct-connection offer): like a message, it does not take the selection and is marked
+    // unread unless selected. -1 when the name cannot be a member's or 100 are open.
+    int openForPeer(const QString& user);
+    bool isIgnored(const QString& user) const;
     // Removes the conversation's tab; the window retitles.
     void closeConversation(int position);
     void closeAll();

@@ -5,6 +5,8 @@
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
@@ -18,7 +20,10 @@
 
 #include "config/Settings.h"
 #include "core/ClientSession.h"
+#include "media/ui/ChatCaptureRectangle.h"
+#include "pm/DirectLinks.h"
 #include "pm/PrivateChats.h"
+#include "pm/ReceivedFileName.h"
 #include "pm/ui/PmInputBox.h"
 #include "pm/ui/PmTab.h"
 #include "render/ui/ChatPane.h"
@@ -86,6 +91,13 @@ ChatPM::ChatPM(ClientSession& session, QWidget* parent)
             each->pane().setScrollThreshold(session_.settings().scrollThreshold());
         }
     });
+    DirectLinks& links = session_.directLinks();
+    connect(&links, &DirectLinks::linkChanged, this, &ChatPM::showDirectLink);
+    connect(&links, &DirectLinks::progressChanged, this, [this](int index) {
+        if (PmTab* page = tabsByIndex_.value(index)) {
+            page->showProgress(session_.directLinks().linkForIndex(index));
+        }
+    });
     // A message to a conversation whose window was closed brings the window back.
     connect(&chats_, &PrivateChats::messageArrived, this, [this] {
         if (isHidden()) {
@@ -136,6 +148,19 @@ void ChatPM::buildMenus() {
             &QAction::triggered, this, [this] { chats_.closeConversation(chats_.selected()); });
     connect(addCommand(conversation, QStringLiteral("exitwin"), tr("Close &Window")),
             &QAction::triggered, this, &QWidget::close);
+
+    // The direct connection of the selected conversation and the files that go over it.
+    QMenu* transfer = menuBar()->addMenu(tr("&Transfer"));
+    connect(addCommand(transfer, QStringLiteral("mnudirect"), tr("&Direct Connection")),
+            &QAction::triggered, this,
+            [this] { session_.directLinks().activateLink(chats_.selected()); });
+    transfer->addSeparator();
+    connect(addCommand(transfer, QStringLiteral("mnusendfile"), tr("Send &File..")),
+            &QAction::triggered, this, [this] { chooseFile(false); });
+    connect(addCommand(transfer, QStringLiteral("mnusendpicture"), tr("Send &Picture..")),
+            &QAction::triggered, this, [this] { chooseFile(true); });
+    connect(addCommand(transfer, QStringLiteral("mnucapture"), tr("Send Screen &Capture..")),
+            &QAction::triggered, this, &ChatPM::captureScreen);
 
     QMenu* edit = menuBar()->addMenu(tr("&Edit"));
     QAction* copy = addCommand(edit, QStringLiteral("mnu_copyit"), tr("&Copy"));
@@ -220,6 +245,23 @@ void ChatPM::onOpened(int position, bool byMember) {
     connect(page, &PmTab::paneMenuRequested, this,
             [this, page](const QPoint& at) { showPaneMenu(page, at); });
     const int index = opened.index;
+    connect(page, &PmTab::directLinkClicked, this,
+            [this, index] { session_.directLinks().activateLink(chats_.positionOfIndex(index)); });
+    connect(page, &PmTab::transferButtonClicked, this, &ChatPM::pressTransferButton);
+    connect(page, &PmTab::pictureRequested, this, [this] { chooseFile(true); });
+    connect(page, &PmTab::captureRequested, this, &ChatPM::captureScreen);
+    connect(&page->input(), &PmInputBox::filesDropped, this,
+            [this, index](const QList<QUrl>& urls) {
+                session_.directLinks().sendDropped(chats_.positionOfIndex(index), urls);
+            });
+    // Received pictures show in the pane, and their links open the files; nothing else local.
+    page->pane().setPictureLookup([this](const QString& address) {
+        return session_.directLinks().shownFiles().picture(address);
+    });
+    page->pane().setLocalLinkOpener(
+        [this](const QUrl& link) { session_.directLinks().openLink(link); });
+    page->showLink(session_.directLinks().linkForIndex(opened.index));
+    page->showProgress(session_.directLinks().linkForIndex(opened.index));
     connect(&page->input(), &PmInputBox::edited, this,
             [this, index](PrivateChats::Edit edit, bool hasText) {
                 chats_.noteEdit(chats_.positionOfIndex(index), edit, hasText);
@@ -295,13 +337,27 @@ void ChatPM::onTabClicked(int position) {
 void ChatPM::updateCommands() {
     const bool any = chats_.selected() >= 0;
     for (const char* name : {"addbuddy", "ignoreuser", "viewprofile", "locateuser", "inviteuser",
-                             "mnuprintconvo", "closewin", "mnu_copyit", "clearwin", "smileys"}) {
+                             "mnuprintconvo", "closewin", "mnu_copyit", "clearwin", "smileys",
+                             "mnudirect", "mnusendfile", "mnusendpicture", "mnucapture"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(any);
     }
     for (QPushButton* each : std::as_const(buttons_)) {
         each->setEnabled(any);
     }
     if (any) {
+        const DirectLink* link =
+            session_.directLinks().linkForIndex(chats_.conversation(chats_.selected()).index);
+        QAction* direct = actions_.value(QStringLiteral("mnudirect"));
+        // The menu says what the conversation's link says, without its dash.
+        const QString linkText = link != nullptr
+                                     ? link->linkText()
+                                     : QStringLiteral("- Connect to Send Files/Pictures..");
+        direct->setText(linkText.mid(2));
+        direct->setEnabled(link == nullptr || link->state() != DirectLink::State::Accepting);
+        const bool sending = link != nullptr && link->sending();
+        for (const char* name : {"mnusendfile", "mnusendpicture", "mnucapture"}) {
+            actions_.value(QString::fromLatin1(name))->setEnabled(!sending);
+        }
         const bool buddy = chats_.isBuddy(chats_.selected());
         actions_.value(QStringLiteral("addbuddy"))->setEnabled(!buddy);
         buttons_.value(QStringLiteral("addbuddyButton"))->setEnabled(!buddy);
@@ -349,8 +405,27 @@ void ChatPM::showTabMenu(const QPoint& at) {
 
 void ChatPM::showPaneMenu(PmTab* page, const QPoint& panePos) {
     ChatPane& pane = page->pane();
-    const QUrl link(pane.anchorAt(panePos));
     QMenu menu(this);
+    fillPaneMenu(menu, QUrl(pane.anchorAt(panePos)));
+    menu.exec(pane.viewport()->mapToGlobal(panePos));
+}
+
+void ChatPM::fillPaneMenu(QMenu& menu, const QUrl& link) {
+    // A file that came or went over a direct connection: open it, or keep a copy elsewhere.
+    const QString shown = session_.directLinks().shownFiles().fileFor(link);
+    if (!shown.isEmpty()) {
+        const bool picture = ReceivedFileName::isPicture(QFileInfo(shown).fileName());
+        QAction* open = menu.addAction(picture ? tr("&View Image") : tr("&Open File"));
+        open->setObjectName(picture ? QStringLiteral("mnuViewImage")
+                                    : QStringLiteral("mnuOpenFile"));
+        connect(open, &QAction::triggered, this,
+                [this, link] { session_.directLinks().openLink(link); });
+        QAction* save = menu.addAction(picture ? tr("&Save Image As..") : tr("&Save File As.."));
+        save->setObjectName(picture ? QStringLiteral("mnuSaveImageAs")
+                                    : QStringLiteral("mnuSaveFileAs"));
+        connect(save, &QAction::triggered, this, [this, shown] { saveShownFileAs(shown); });
+        menu.addSeparator();
+    }
     menu.addAction(actions_.value(QStringLiteral("mnu_copyit")));
     QAction* copyLink = menu.addAction(tr("Copy &Link"));
     copyLink->setObjectName(QStringLiteral("mnuCopyLink"));
@@ -364,7 +439,111 @@ void ChatPM::showPaneMenu(PmTab* page, const QPoint& panePos) {
     menu.addSeparator();
     menu.addAction(actions_.value(QStringLiteral("clearwin")));
     menu.addAction(actions_.value(QStringLiteral("mnuprintconvo")));
-    menu.exec(pane.viewport()->mapToGlobal(panePos));
+}
+
+void ChatPM::showDirectLink(int index) {
+    if (PmTab* page = tabsByIndex_.value(index)) {
+        page->showLink(session_.directLinks().linkForIndex(index));
+    }
+    const int position = chats_.selected();
+    if (position >= 0 && chats_.conversation(position).index == index) {
+        updateCommands();
+    }
+}
+
+void ChatPM::pressTransferButton() {
+    if (!session_.directLinks().pressButton(chats_.selected())) {
+        chooseFile(false);
+    }
+}
+
+QFileDialog* ChatPM::fileDialog() const {
+    return fileDialog_;
+}
+
+ChatCaptureRectangle* ChatPM::captureWindow() const {
+    return captureWindow_;
+}
+
+QStringList ChatPM::fileFilters(bool pictures) {
+    // Shown without their pattern part (HideNameFilterDetails): the patterns carry both letter
+    // cases, since file names are case-sensitive here.
+    QStringList filters{QStringLiteral("All Files(*.*) (*)")};
+    if (pictures) {
+        filters << QStringLiteral(
+                       "All Image Files (*.bmp,*.jpg,*.gif,*.png) (*.bmp *.jpg *.gif "
+                       "*.png *.BMP *.JPG *.GIF *.PNG)")
+                << QStringLiteral("BMP Files (*.bmp) (*.bmp *.BMP)")
+                << QStringLiteral("JPEG Files (*.jpg) (*.jpg *.JPG)")
+                << QStringLiteral("GIF Files (*.gif) (*.gif *.GIF)")
+                << QStringLiteral("PNG Files (*.png) (*.png *.PNG)");
+    }
+    return filters;
+}
+
+QFileDialog* ChatPM::chooseFile(bool pictures) {
+    const int position = chats_.selected();
+    if (position < 0) {
+        return nullptr;
+    }
+    if (fileDialog_ != nullptr) {
+        fileDialog_->close();
+    }
+    const int index = chats_.conversation(position).index;
+    auto* dialog = new QFileDialog(
+        this, pictures ? tr("Send Picture to %1").arg(chats_.conversation(position).user)
+                       : tr("Send File to %1").arg(chats_.conversation(position).user));
+    dialog->setObjectName(QStringLiteral("sendFileDialog"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    dialog->setNameFilters(fileFilters(pictures));
+    if (pictures) {
+        dialog->selectNameFilter(fileFilters(true).at(1));
+    }
+    connect(dialog, &QFileDialog::fileSelected, this, [this, index](const QString& path) {
+        session_.directLinks().sendFile(chats_.positionOfIndex(index), path);
+    });
+    fileDialog_ = dialog;
+    dialog->open();
+    return dialog;
+}
+
+ChatCaptureRectangle* ChatPM::captureScreen() {
+    const int position = chats_.selected();
+    if (position < 0) {
+        return nullptr;
+    }
+    if (captureWindow_ != nullptr) {
+        captureWindow_->close();
+    }
+    const int index = chats_.conversation(position).index;
+    QScreen* where = screen();
+    const QImage frozen = ChatCaptureRectangle::grabScreen(where);
+    if (frozen.isNull()) {
+        // Nothing to capture from: the steps end in their error at once.
+        session_.directLinks().sendScreenCapture(position, frozen, QRect());
+        return nullptr;
+    }
+    auto* window = new ChatCaptureRectangle(frozen, where);
+    connect(
+        window, &ChatCaptureRectangle::selected, this, [this, index, frozen](const QRect& area) {
+            session_.directLinks().sendScreenCapture(chats_.positionOfIndex(index), frozen, area);
+        });
+    captureWindow_ = window;
+    window->open();
+    return window;
+}
+
+void ChatPM::saveShownFileAs(const QString& path) {
+    auto* dialog = new QFileDialog(this, tr("Save As"), path);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    // The overwrite question is the conversation's own.
+    dialog->setOption(QFileDialog::DontConfirmOverwrite);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this, path](const QString& target) { session_.directLinks().saveCopy(path, target); });
+    dialog->open();
 }
 
 void ChatPM::inviteSelected() {

@@ -2,8 +2,10 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 
 class QAction;
+class QFileDialog;
 class QMenu;
 class QPushButton;
 class QStackedWidget;
@@ -11,6 +13,7 @@ class QTabBar;
 
 namespace tavren {
 
+class ChatCaptureRectangle;
 class ClientSession;
 class PmTab;
 class PrivateChats;
@@ -34,6 +37,19 @@ class ChatPM : public QMainWindow {
     void sendInput();
     // The tab strip's menu for the conversation at `position`, filled as it would pop up.
     void fillTabMenu(QMenu& menu, int position);
+    // The pane's menu for the link `link` (may be empty), filled as it would pop up.
+    void fillPaneMenu(QMenu& menu, const QUrl& link);
+
+    // "Send File..", "Send Picture..": the open dialog for the selected conversation (shown
+    // without waiting; the chosen file goes to the conversation it was opened for).
+    QFileDialog* chooseFile(bool pictures);
+    QFileDialog* fileDialog() const;
+    // "Send Screen Capture..": freezes the screen under the capture window, whose rectangle
+    // goes to the selected conversation as a picture.
+    ChatCaptureRectangle* captureScreen();
+    ChatCaptureRectangle* captureWindow() const;
+    // The open dialog's filters, pictures first or all files only.
+    static QStringList fileFilters(bool pictures);
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -56,6 +72,9 @@ class ChatPM : public QMainWindow {
     void printSelected();
     void openSmileys(QWidget* anchor);
     void updateCommands();
+    void showDirectLink(int index);
+    void pressTransferButton();
+    void saveShownFileAs(const QString& path);
     PmTab* selectedTab() const;
 
     ClientSession& session_;
@@ -67,6 +86,8 @@ class ChatPM : public QMainWindow {
     QStackedWidget* stack_ = nullptr;
     SmileyPicker* smileys_ = nullptr;
     bool syncingTabs_ = false;
+    QPointer<QFileDialog> fileDialog_;
+    QPointer<ChatCaptureRectangle> captureWindow_;
 };
 
 }  // namespace tavren

@@ -1,6 +1,9 @@
 #include "pm/ui/PmInputBox.h"
 
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QKeyEvent>
+#include <QMimeData>
 #include <QTextBlock>
 
 namespace tavren {
@@ -53,6 +56,47 @@ void PmInputBox::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QPlainTextEdit::keyPressEvent(event);
+}
+
+namespace {
+
+bool holdsLocalFiles(const QMimeData* data) {
+    if (data == nullptr || !data->hasUrls() || data->urls().isEmpty()) {
+        return false;
+    }
+    for (const QUrl& url : data->urls()) {
+        if (!url.isLocalFile()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+void PmInputBox::dragEnterEvent(QDragEnterEvent* event) {
+    if (holdsLocalFiles(event->mimeData())) {
+        event->acceptProposedAction();
+        return;
+    }
+    QPlainTextEdit::dragEnterEvent(event);
+}
+
+void PmInputBox::dragMoveEvent(QDragMoveEvent* event) {
+    if (holdsLocalFiles(event->mimeData())) {
+        event->acceptProposedAction();
+        return;
+    }
+    QPlainTextEdit::dragMoveEvent(event);
+}
+
+void PmInputBox::dropEvent(QDropEvent* event) {
+    if (holdsLocalFiles(event->mimeData())) {
+        event->acceptProposedAction();
+        emit filesDropped(event->mimeData()->urls());
+        return;
+    }
+    QPlainTextEdit::dropEvent(event);
 }
 
 }  // namespace tavren

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QPlainTextEdit>
+#include <QUrl>
 
 #include "pm/PrivateChats.h"
 
@@ -8,7 +10,8 @@ namespace tavren {
 
 // The entry box of one conversation. Enter sends, Shift+Enter starts a new line. Every change
 // of its text is reported as growing or shrinking, which is what the member's typing status
-// is made of (whether it came from keys, a paste or a smiley).
+// is made of (whether it came from keys, a paste or a smiley). Files dropped on it are handed on
+// to be sent, not written into the box.
 class PmInputBox : public QPlainTextEdit {
     Q_OBJECT
   public:
@@ -25,9 +28,14 @@ class PmInputBox : public QPlainTextEdit {
   signals:
     void submitted();
     void edited(PrivateChats::Edit edit, bool hasText);
+    // Local files (or folders) dropped on the box, all of them: refusing is the receiver's part.
+    void filesDropped(const QList<QUrl>& urls);
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dragMoveEvent(QDragMoveEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
 
   private:
     int heightFor(int lines) const;

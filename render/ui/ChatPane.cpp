@@ -340,8 +340,12 @@ bool ChatPane::isOpenableLink(const QUrl& url) {
 }
 
 void ChatPane::openLink(const QUrl& url) {
-    if (isOpenableLink(url) && linkOpener_) {
-        linkOpener_(url);
+    if (isOpenableLink(url)) {
+        if (linkOpener_) {
+            linkOpener_(url);
+        }
+    } else if (localLinkOpener_) {
+        localLinkOpener_(url);
     }
 }
 
@@ -351,6 +355,11 @@ QImage ChatPane::pictureFor(const QString& source) {
         return *known;
     }
     const QImage picture = smileys_.load(source);
+    if (picture.isNull() && pictureLookup_) {
+        // The lookup keeps its own pictures; a refusal is not remembered here, since the file
+        // may arrive later.
+        return pictureLookup_(source);
+    }
     // Remembered either way, so a refused address is not looked up on every repaint. The
     // markup is bounded, and so is the number of addresses in it.
     if (pictures_.size() > 1000) {

@@ -23,8 +23,9 @@ class PaneImageHandler;
 // the widget shows it through Qt's rich-text engine, adapted where that engine differs.
 //
 // The markup is other people's and unescaped, so the pane never runs anything and never
-// fetches anything: pictures come only from the data root's smiley folder, links open in the
-// user's browser (http, https, ftp, mailto) and never in the pane.
+// fetches anything: pictures come only from the data root's smiley folder (and from the lookup
+// its owner vouches for: files received over a direct connection), links open in the user's
+// browser (http, https, ftp, mailto) and never in the pane.
 class ChatPane : public QTextBrowser {
     Q_OBJECT
 
@@ -75,6 +76,17 @@ class ChatPane : public QTextBrowser {
     // What opening a clicked link does; QDesktopServices::openUrl unless replaced.
     void setLinkOpener(std::function<void(const QUrl&)> opener) { linkOpener_ = std::move(opener); }
     static bool isOpenableLink(const QUrl& url);
+    // Links that are no web links (a received file's) go here; nothing opens them unless set.
+    void setLocalLinkOpener(std::function<void(const QUrl&)> opener) {
+        localLinkOpener_ = std::move(opener);
+    }
+    // Pictures beyond the smileys (files received over a direct connection): asked for an
+    // address the smiley folder does not hold; a null image refuses it. Not cached here, since
+    // a file received again under the same name is a new picture.
+    void setPictureLookup(std::function<QImage(const QString&)> lookup) {
+        pictureLookup_ = std::move(lookup);
+        viewport()->update();
+    }
 
     // Only smiley files load; every other request gets empty data (never a null answer, on
     // which QTextDocument would go and read a local file itself).
@@ -109,6 +121,8 @@ class ChatPane : public QTextBrowser {
     PaneMarkupParser parser_;
     PaneImageHandler* imageHandler_;
     std::function<void(const QUrl&)> linkOpener_;
+    std::function<void(const QUrl&)> localLinkOpener_;
+    std::function<QImage(const QString&)> pictureLookup_;
 
     QString body_;
     qint64 bodyStart_ = 0;   // offset of body_[0] in the stream of everything appended
