@@ -369,6 +369,10 @@ Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or 
   --queue-limit N             frames waiting for a client that does not read (default 1024)
   --send-buffer BYTES         kernel send buffer per connection (default: the system's)
   --max-login-attempts N      failed logins on one connection before it is closed (default 3)
+  --min-version X.Y.Z         older clients are refused (default 1.0.0)
+  --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
+  --update-url URL            where the update is downloaded from
+  --motd TEXT                 message of the day, shown after login and on /motd
 
 Load and abuse (an address group is an IPv4 address or an IPv6 /64):
   --max-connections N         connections open at once in all (default 30000; lowered to what the
@@ -389,10 +393,6 @@ Load and abuse (an address group is an IPv4 address or an IPv6 /64):
   --checkpoint-interval SECONDS
                               the database is synced this often, on a thread of its own; a power
                               cut may lose the changes since (default 1; a killed server loses none)
-  --min-version X.Y.Z         older clients are refused (default 1.0.0)
-  --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
-  --update-url URL            where the update is downloaded from
-  --motd TEXT                 message of the day, shown after login and on /motd
 
 Channels ("General" and "Tavren General Chat" always exist):
   --channel NAME              one more official channel (repeatable)
