@@ -11,6 +11,16 @@
 
 namespace tavren {
 
+namespace {
+
+// The rectangle between two pointer positions, whichever way it was dragged: as wide and high
+// as the pointer moved, so a click without a move is empty.
+QRect spanned(QPoint a, QPoint b) {
+    return QRect(qMin(a.x(), b.x()), qMin(a.y(), b.y()), qAbs(b.x() - a.x()), qAbs(b.y() - a.y()));
+}
+
+}  // namespace
+
 ChatCaptureRectangle::ChatCaptureRectangle(const QImage& frozen, QScreen* screen, QWidget* parent)
     : QWidget(parent, Qt::Window | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::Tool),
       frozen_(frozen),
@@ -95,7 +105,7 @@ bool ChatCaptureRectangle::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseMove: {
             if (dragging_) {
                 const auto* mouse = static_cast<QMouseEvent*>(event);
-                band_->setGeometry(QRect(start_, mouse->position().toPoint()).normalized());
+                band_->setGeometry(spanned(start_, mouse->position().toPoint()));
             }
             return true;
         }
@@ -107,8 +117,8 @@ bool ChatCaptureRectangle::eventFilter(QObject* watched, QEvent* event) {
             dragging_ = false;
             const QPoint end = mouse->position().toPoint();
             // Dragged in any direction, the same rectangle; a click picks nothing.
-            const QRect logical = QRect(start_, end).normalized();
-            if (start_.x() == end.x() || start_.y() == end.y()) {
+            const QRect logical = spanned(start_, end);
+            if (logical.isEmpty()) {
                 band_->hide();
                 return true;
             }
