@@ -4,6 +4,7 @@
 Starts both servers itself on free loopback ports, each with a data folder and configuration of
 its own, and measures with one asyncio driver:
 
+  before login       connections that never log in, idle; server resident memory per connection
   connections held   N members logged in and idle; server resident memory per connection
   fan-out            M members in one channel, S senders taking turns at one line per interval;
                      lines delivered per second, p50/p99 latency from send to receipt, server CPU
@@ -374,6 +375,41 @@ async def connect_all(server, names, first_index, batch=500):
     return clients
 
 
+class Bystander(asyncio.Protocol):
+    """A connection that says nothing more than the client's first words and waits."""
+
+    def __init__(self, hello):
+        self.hello = hello
+
+    def connection_made(self, transport):
+        self.transport = transport
+        transport.write(self.hello)
+
+    def data_received(self, data):
+        pass
+
+
+async def unauthenticated(server, count):
+    """Connections that never log in: the version frame (tavrend) or nothing (IRC), then idle."""
+    loop = asyncio.get_running_loop()
+    hello = frame(1, 6, "1.0.0") if isinstance(server, Tavrend) else b""
+    pid = server.process.pid
+    await asyncio.sleep(0.5)
+    before = rss_kib(pid)
+    transports = []
+    for start in range(0, count, 500):
+        made = await asyncio.gather(*(
+            loop.create_connection(lambda: Bystander(hello), "127.0.0.1", server.port,
+                                   local_addr=(source_address(30000 + i), 0))
+            for i in range(start, min(count, start + 500))))
+        transports.extend(t for t, _ in made)
+    await asyncio.sleep(2.0)
+    after = rss_kib(pid)
+    for t in transports:
+        t.close()
+    return (after - before) / max(1, count)
+
+
 async def held(server, count):
     pid = server.process.pid
     await asyncio.sleep(0.5)
@@ -432,9 +468,20 @@ async def login_rate(server, count):
 
 
 async def run_server(server, args):
+    # A server of its own for the connections before login, so that neither measurement finds
+    # the heap the other left behind.
+    server.start(args.connections)
+    try:
+        before_login = await unauthenticated(server, args.unauthenticated)
+    finally:
+        server.stop()
+    print("  %s: %d connections before login, %.2f KiB each" % (
+        server.name, args.unauthenticated, before_login), file=sys.stderr)
+    await asyncio.sleep(1.0)
     server.start(args.connections)
     try:
         clients, held_result = await held(server, args.connections)
+        held_result["kib_before_login"] = before_login
         print("  %s: %d connections held, %.2f KiB each" % (
             server.name, held_result["held"], held_result["kib_per_conn"]), file=sys.stderr)
         fan = await fan_out(server, clients, args.members, args.senders, args.interval,
@@ -455,6 +502,8 @@ def main():
     # 20,000 is the aim; the driver needs a descriptor per connection too, so within an open-file
     # limit of 20,000 that cannot be raised (an unprivileged container) a little less.
     parser.add_argument("--connections", type=int, default=19500)
+    parser.add_argument("--unauthenticated", type=int, default=5000,
+                        help="idle connections that never log in, measured first")
     parser.add_argument("--members", type=int, default=1000)
     parser.add_argument("--senders", type=int, default=10)
     parser.add_argument("--interval", type=float, default=0.1)
@@ -491,13 +540,15 @@ def main():
 
     def row(label, t, i, fmt):
         ratio = t / i if i else float("nan")
-        print("%-38s %14s %14s %8.2f" % (label, fmt % t, fmt % i, ratio))
+        print("%-42s %14s %14s %8.2f" % (label, fmt % t, fmt % i, ratio))
 
     print("\nload: %d connections held; fan-out to %d members in one channel, %d senders, one line"
           " per %g s for %g s" % (args.connections, args.members, args.senders, args.interval,
                                    args.seconds))
-    print("%-38s %14s %14s %8s" % ("measure", "tavrend", "InspIRCd", "ratio"))
+    print("%-42s %14s %14s %8s" % ("measure", "tavrend", "InspIRCd", "ratio"))
     row("connections held", t_held["held"], i_held["held"], "%d")
+    row("memory per connection before login (KiB)", t_held["kib_before_login"],
+        i_held["kib_before_login"], "%.2f")
     row("server memory per connection (KiB)", t_held["kib_per_conn"], i_held["kib_per_conn"],
         "%.2f")
     row("server resident memory held (MiB)", t_held["rss_mib"], i_held["rss_mib"], "%.1f")
@@ -506,7 +557,7 @@ def main():
     row("fan-out latency p50 (ms)", t_fan["p50"], i_fan["p50"], "%.2f")
     row("fan-out latency p99 (ms)", t_fan["p99"], i_fan["p99"], "%.2f")
     row("server CPU during fan-out (s)", t_fan["cpu_s"], i_fan["cpu_s"], "%.2f")
-    print("%-38s %14.1f %14s" % ("tavrend logins per second (argon2id)", t_login["per_s"], "-"))
+    print("%-42s %14.1f %14s" % ("tavrend logins per second (argon2id)", t_login["per_s"], "-"))
 
 
 if __name__ == "__main__":
