@@ -54,6 +54,9 @@ ChatCreate::ChatCreate(ServerLink& link, Prompter& prompter, QWidget* parent)
     progress_->setVisible(false);
     label_ = new QLabel(kCreateLabel, this);
     label_->setObjectName(QStringLiteral("Label1"));
+    // Wide enough for the longest count, so that the bar beside it does not move while it runs.
+    label_->setMinimumWidth(
+        label_->fontMetrics().horizontalAdvance(QStringLiteral("Creating...(50%)")) + 4);
     createButton_ = new QPushButton(tr("&Create"), this);
     createButton_->setObjectName(QStringLiteral("XPButton1"));
     createButton_->setDefault(true);

@@ -172,6 +172,12 @@ TEST_F(ModerationIntegrationTest, AHostInvitesAdmitsAndKicksAndStaffBansHoldAfte
 
     // After a restart the ban and the suspension still hold (fresh clients log in, so that
     // nothing here depends on how soon the old ones come back by themselves).
+    // The clients in use log off first, so that none of them comes back by itself and replaces
+    // the fresh login of its account.
+    for (RoomClient* client : {&alice, &carol, &staff}) {
+        ASSERT_EQ(client->session->server().login().button().kind, LoginButton::Kind::Cancel);
+        client->session->server().login().clickLoginButton();
+    }
     const quint16 port = server->port();
     server->stop();
     ASSERT_TRUE(server->start(kFastPings, port));
@@ -188,7 +194,11 @@ TEST_F(ModerationIntegrationTest, AHostInvitesAdmitsAndKicksAndStaffBansHoldAfte
         "You cannot join \"Secret Garden\": you are banned from every channel of this server.");
     EXPECT_TRUE(waitUntil([&] { return notices.contains(refused); }))
         << notices.join('\n').toStdString();
+    // Bob's refused connection went with the old server; once his button offers the login
+    // again, he tries.
     bob.prompter.asked.clear();
+    ASSERT_TRUE(waitUntil(
+        [&] { return bob.session->server().login().button().kind == LoginButton::Kind::Login; }));
     bob.session->server().login().clickLoginButton();
     ASSERT_TRUE(waitUntil(bobWasRefused));
 
