@@ -23,6 +23,7 @@
 #include "connection/FakePeer.h"
 #include "connection/Wait.h"
 #include "contacts/MailPage.h"
+#include "contacts/Mailbox.h"
 #include "contacts/Profiles.h"
 #include "contacts/ui/ChatMail.h"
 #include "contacts/ui/ChatProfile.h"
@@ -33,6 +34,7 @@
 #include "core/WireText.h"
 #include "core/protocol/Catalogue.h"
 #include "core/ui/ChatMain.h"
+#include "core/ui/DesktopNotices.h"
 #include "pm/ui/ChatPM.h"
 #include "render/ui/ChatPane.h"
 #include "rooms/RoomCommands.h"
@@ -407,6 +409,35 @@ TEST_F(ContactWindowsTest, TheMainWindowAndTheOtherWindowsReachMailSearchAndProf
     }
     EXPECT_EQ(main.action(QStringLiteral("readmessages"))->text(),
               QStringLiteral("&Read Messages (0).."));
+}
+
+// New mail in the background is a notice whose click opens the mail window, not the
+// conversation of an earlier notice; in front, no notice.
+TEST_F(ContactWindowsTest, NewMailInTheBackgroundIsANoticeThatOpensTheMail) {
+    bool inFront = false;
+    DesktopNotices notices(session.settings(), nullptr, [&] { return inFront; });
+    QStringList shown;
+    notices.setShower([&](const QString& title, const QString& text) {
+        shown << title + QLatin1Char('|') + text;
+    });
+    QSignalSpy conversation(&notices, &DesktopNotices::conversationWanted);
+    QSignalSpy mail(&notices, &DesktopNotices::mailWanted);
+    QObject::connect(&session.mailbox(), &Mailbox::newMail, &notices, &DesktopNotices::newMail);
+
+    notices.privateMessage(QStringLiteral("bob"), QStringLiteral("hi"));
+    deliver(in::kNewMail, QStringLiteral("carol"));
+    ASSERT_EQ(shown.size(), 2);
+    EXPECT_EQ(shown[1], QStringLiteral("New mail from carol|Click to read it."));
+    notices.clicked();
+    EXPECT_EQ(mail.count(), 1);
+    EXPECT_EQ(conversation.count(), 0);
+
+    inFront = true;
+    deliver(in::kNewMail, QStringLiteral("dave"));
+    EXPECT_EQ(shown.size(), 2);
+    // The last notice shown is still the mail's.
+    notices.clicked();
+    EXPECT_EQ(mail.count(), 2);
 }
 
 }  // namespace
