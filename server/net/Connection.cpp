@@ -155,8 +155,9 @@ void Connection::startWriting() {
         return;
     }
     writing_ = true;
-    asio::post(socket_.get_executor(),
-               [self = shared_from_this()] { self->spawn(self->writeLoop()); });
+    // Started here: a write never completes inside its own initiation, so the caller (walking a
+    // channel's members, say) is never called back from this.
+    writeSome();
 }
 
 void Connection::startHandling() {
@@ -336,38 +337,41 @@ asio::awaitable<bool> Connection::pace() {
     co_return !stopped_;
 }
 
-asio::awaitable<void> Connection::writeLoop() {
-    auto self = shared_from_this();
-    std::vector<asio::const_buffer> buffers;
-    buffers.reserve(kWriteBatch);
-    while (!stopped_) {
-        if (queue_.empty()) {
-            if (finishing_) {
-                // Everything is written: say so, and let the client close its end (the reader
-                // notices) or the grace period run out.
-                asio::error_code ignored;
-                socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
-            }
-            writing_ = false;  // the next frame queued starts a writer again
-            co_return;
-        }
-        // The frames stay in the queue, where nothing moves them, until they are written.
-        const std::size_t count = std::min(queue_.size(), kWriteBatch);
-        buffers.clear();
-        for (std::size_t i = 0; i < count; ++i) {
-            buffers.push_back(asio::buffer(queue_.at(i)));
-        }
-        const auto [error, written] = co_await asio::async_write(socket_, buffers, kAwaitResult);
-        if (stopped_) {
-            co_return;
-        }
-        if (error) {
-            stop(error.message());
-            co_return;
-        }
-        queue_.pop(count);
-        chargeMemory();
+void Connection::writeSome() {
+    if (stopped_) {
+        return;
     }
+    if (queue_.empty()) {
+        if (finishing_) {
+            // Everything is written: say so, and let the client close its end (the reader
+            // notices) or the grace period run out.
+            asio::error_code ignored;
+            socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+        }
+        writing_ = false;  // the next frame queued starts a write again
+        return;
+    }
+    // The frames stay in the queue, where nothing moves them, until they are written.
+    const std::size_t count = std::min(queue_.size(), kWriteBatch);
+    std::vector<asio::const_buffer> buffers;
+    buffers.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        buffers.push_back(asio::buffer(queue_.at(i)));
+    }
+    asio::async_write(
+        socket_, std::move(buffers),
+        [self = shared_from_this(), count](const asio::error_code& error, std::size_t) {
+            if (self->stopped_) {
+                return;
+            }
+            if (error) {
+                self->stop(error.message());
+                return;
+            }
+            self->queue_.pop(count);
+            self->chargeMemory();
+            self->writeSome();
+        });
 }
 
 void Connection::scheduleClock() {

@@ -66,7 +66,9 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     asio::awaitable<void> takeBufferedFrames();
     asio::awaitable<void> handleLoop();
     asio::awaitable<void> waitFor(asio::steady_timer& signal);
-    asio::awaitable<void> writeLoop();
+    // Writes the next batch of the queue, with a plain handler: a member of a busy channel starts
+    // a write for nearly every line, and a coroutine for each would cost more than the write.
+    void writeSome();
     // The clock waits with a plain handler, not a coroutine: it is what every idle connection
     // has pending, so it should cost little.
     void scheduleClock();
