@@ -451,7 +451,7 @@ void DirectLink::sendNext() {
 }
 
 void DirectLink::onSenderFinished() {
-    outgoing_.update(sender_->total(), clock_.elapsed());
+    outgoing_.finish(clock_.elapsed());
     outgoingLabel_ = outgoing_.label();
     emit progressChanged();
     emit fileShown(sendingName_, sendingPath_);
@@ -503,7 +503,7 @@ void DirectLink::onReadyRead() {
                     emit line(Speaker::Connection, QStringLiteral("  Bad Filename Recieved.."));
                     break;
                 case FileReceiver::Outcome::Kind::Received:
-                    incoming_.update(incoming_.total(), clock_.elapsed());
+                    incoming_.finish(clock_.elapsed());
                     incomingLabel_ = incoming_.label();
                     emit fileShown(outcome.name, outcome.path);
                     break;

@@ -7,6 +7,8 @@ namespace tavren {
 void TransferProgress::start(qint64 total, qint64 nowMs) {
     total_ = total;
     done_ = 0;
+    startMs_ = nowMs;
+    finalRate_ = -1;
     samples_.clear();
     samples_.emplace_back(nowMs, 0);
 }
@@ -20,7 +22,17 @@ void TransferProgress::update(qint64 done, qint64 nowMs) {
     }
 }
 
+void TransferProgress::finish(qint64 nowMs) {
+    update(total_, nowMs);
+    // At least a millisecond: a file that went within one still went at some rate.
+    finalRate_ = static_cast<double>(total_) * 1000.0 /
+                 static_cast<double>(qMax<qint64>(1, nowMs - startMs_));
+}
+
 double TransferProgress::bytesPerSecond() const {
+    if (finalRate_ >= 0) {
+        return finalRate_;
+    }
     if (samples_.size() < 2) {
         return 0;
     }

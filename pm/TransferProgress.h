@@ -21,6 +21,9 @@ class TransferProgress {
 
     void start(qint64 total, qint64 nowMs);
     void update(qint64 done, qint64 nowMs);
+    // All is done: from now on the rate is the average over the whole transfer (a small file's
+    // last few milliseconds say nothing).
+    void finish(qint64 nowMs);
 
     qint64 done() const { return done_; }
     qint64 total() const { return total_; }
@@ -36,6 +39,8 @@ class TransferProgress {
     qint64 total_ = 0;
     qint64 done_ = 0;
     std::deque<std::pair<qint64, qint64>> samples_;  // (time, done), oldest first
+    qint64 startMs_ = 0;
+    double finalRate_ = -1;  // set by finish()
 };
 
 }  // namespace tavren

@@ -120,6 +120,11 @@ TEST(TransferPartsTest, TheProgressLabelReadsShareRateCountsAndTimeLeft) {
     progress.update(3000, 6000);
     progress.update(3000, 9000);
     EXPECT_DOUBLE_EQ(progress.bytesPerSecond(), 0);
+    // Once done, the rate is the whole transfer's.
+    progress.finish(10000);
+    EXPECT_EQ(progress.done(), 10000);
+    EXPECT_DOUBLE_EQ(progress.bytesPerSecond(), 1000);
+    EXPECT_EQ(progress.label(), QStringLiteral("100.00% ~ 00.98 KB/s ~ 10000 of 10000 (0:00)"));
 }
 
 TEST(TransferPartsTest, TheLastReadAsksForOneByteMoreThanIsLeft) {
