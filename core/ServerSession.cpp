@@ -26,7 +26,10 @@ ServerSession::ServerSession(Settings& settings, Prompter& prompter,
       accountRequests_(link_, login_, accounts_, this),
       console_(prompter, link_, this) {
     link_.setFrameSink([this](const protocol::Frame& frame) {
-        connection_.noteServerFrame(frame.code.cmd1 == protocol::kNoticeGroup);
+        // A close after a notice is meant, and is not answered by reconnecting; a server too
+        // busy to check the password asks for exactly that, so its notice does not count.
+        const bool busy = frame.payload.rfind("The server is busy", 0) == 0;
+        connection_.noteServerFrame(frame.code.cmd1 == protocol::kNoticeGroup && !busy);
         dispatcher_.DispatchServerFrame(frame);
     });
     routeCoreMessages();

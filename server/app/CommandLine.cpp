@@ -385,7 +385,7 @@ Load and abuse (an address group is an IPv4 address or an IPv6 /64):
   --memory-budget MIB         read buffers and queues of all connections together (default 1024)
   --max-password-jobs N       password checks waiting or running in all (default 128)
   --max-password-jobs-per-address N
-                              password checks waiting or running per address group (default 2)
+                              password checks waiting or running per address group (default 8)
   --login-failures N          failed logins from one address group before each further try waits
                               1 s, doubling (default 5; twice as many for one account name)
   --max-login-backoff SECONDS longest such wait (default 300)

@@ -66,7 +66,9 @@ struct DirectoryLimits {
 // for anyone: jobs waiting per address group and in total, and a back-off after failed logins per
 // address group and per account name. Each is a command-line option.
 struct PasswordLimits {
-    std::size_t maxPendingPerAddress = 2;  // checks queued or running for one address group
+    // Checks queued or running for one address group: a household or office behind one NAT
+    // whose clients all reconnect at once after a server restart must not be turned away.
+    std::size_t maxPendingPerAddress = 8;
     std::size_t maxPending = 128;          // checks queued or running in all
     // Failed logins (or password changes) allowed before each further try has to wait; the wait
     // doubles with every failure from one second up to `maxBackoff`.

@@ -179,7 +179,7 @@ TEST(ModerationStoreTest, SanctionsAndReferralsAreKeptReplacedListedAndLifted) {
     const Account alice = makeAccount(accounts, "Alice");
     const Account bob = makeAccount(accounts, "Bob");
     const Account carol = makeAccount(accounts, "carol");
-    Channel lounge{0, "Lounge Room", "", alice.id, false, 10, 10};
+    Channel lounge{0, "Lounge Room", "", alice.id, false, 10, 10, ""};
     ASSERT_TRUE(channels.create(lounge));
 
     EXPECT_FALSE(store.channelBan(lounge.id, bob.id));
