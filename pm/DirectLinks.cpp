@@ -124,25 +124,29 @@ void DirectLinks::applyOptions(DirectLink& link) {
     link.setOptions(options);
 }
 
-void DirectLinks::activateLink(int position) {
-    DirectLink* chosen = link(position);
-    if (chosen == nullptr) {
-        return;
+bool DirectLinks::mayAsk(int position, DirectLink& link) {
+    if (link.state() != DirectLink::State::Connect) {
+        return true;
     }
-    const bool startsHandshake = chosen->state() == DirectLink::State::Connect;
-    if (startsHandshake &&
-        chats_.conversation(position).user.compare(chats_.ownName(), Qt::CaseInsensitive) == 0) {
+    if (chats_.conversation(position).user.compare(chats_.ownName(), Qt::CaseInsensitive) == 0) {
         prompter_.message(QStringLiteral("You may not connect with yourself!"),
                           QStringLiteral("Error"), Prompter::Icon::Warning);
-        return;
+        return false;
     }
-    if (startsHandshake && !server_.online()) {
-        showLine(*chosen, DirectLink::Speaker::Connection,
+    if (!server_.online()) {
+        showLine(link, DirectLink::Speaker::Connection,
                  QStringLiteral("You are not connected: a direct connection is set up through "
                                 "the server."));
-        return;
+        return false;
     }
-    chosen->activateLink();
+    return true;
+}
+
+void DirectLinks::activateLink(int position) {
+    DirectLink* chosen = link(position);
+    if (chosen != nullptr && mayAsk(position, *chosen)) {
+        chosen->activateLink();
+    }
 }
 
 bool DirectLinks::pressButton(int position) {
@@ -152,24 +156,7 @@ bool DirectLinks::pressButton(int position) {
 
 bool DirectLinks::sendFile(int position, const QString& path) {
     DirectLink* chosen = link(position);
-    if (chosen == nullptr) {
-        return false;
-    }
-    if (chosen->state() == DirectLink::State::Connect) {
-        if (chats_.conversation(position).user.compare(chats_.ownName(), Qt::CaseInsensitive) ==
-            0) {
-            prompter_.message(QStringLiteral("You may not connect with yourself!"),
-                              QStringLiteral("Error"), Prompter::Icon::Warning);
-            return false;
-        }
-        if (!server_.online()) {
-            showLine(*chosen, DirectLink::Speaker::Connection,
-                     QStringLiteral("You are not connected: a direct connection is set up "
-                                    "through the server."));
-            return false;
-        }
-    }
-    return chosen->sendFile(path);
+    return chosen != nullptr && mayAsk(position, *chosen) && chosen->sendFile(path);
 }
 
 bool DirectLinks::sendDropped(int position, const QList<QUrl>& urls) {

@@ -81,6 +81,9 @@ class DirectLinks : public QObject {
   private:
     DirectLink* make(int index, const QString& peer);
     void applyOptions(DirectLink& link);
+    // Whether the link may start a handshake now: not with oneself (a box says so), not while
+    // logged out (the conversation says so). Always true once a handshake is under way.
+    bool mayAsk(int position, DirectLink& link);
     void send(DirectLink& link, int kind, const QString& argument);
     void showLine(DirectLink& link, DirectLink::Speaker speaker, const QString& text);
     void showFile(DirectLink& link, const QString& name, const QString& path);
