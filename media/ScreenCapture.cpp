@@ -107,8 +107,8 @@ void ScreenCapture::runStep() {
                 ++step_;
                 break;
             case 5:
-                encoder_->SaveFile(
-                    std::filesystem::path(QFile::encodeName(outputPath_).toStdString()));
+                // The path in the system's own encoding, whatever the platform.
+                encoder_->SaveFile(std::filesystem::path(outputPath_.toStdU16String()));
                 encoder_.reset();
                 ++step_;
                 break;
