@@ -293,6 +293,18 @@ QWidget* ChatConfig::buildUiOptionsPage() {
     const bool translucency = windowOpacitySupported();
     trans_->setEnabled(translucency);
     transLevel_->setEnabled(translucency);
+    // The windows show the chosen translucency while the box and slider move; Cancel takes
+    // them back to what the settings say.
+    const auto preview = [this] {
+        SettingsValues tried;
+        tried.trans = trans_->isChecked();
+        tried.transLevel = transLevel_->value();
+        emit opacityPreviewed(tried.windowOpacity());
+    };
+    connect(trans_, &QCheckBox::toggled, this, preview);
+    connect(transLevel_, &QSlider::valueChanged, this, preview);
+    connect(this, &QDialog::rejected, this,
+            [this] { emit opacityPreviewed(settings_.values().windowOpacity()); });
     auto* windowBox = new QGroupBox(tr("Windows"), this);
     auto* windowLayout = new QGridLayout(windowBox);
     windowLayout->addWidget(new QLabel(QStringLiteral("Transparency:"), windowBox), 0, 0);

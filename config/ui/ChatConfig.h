@@ -86,6 +86,8 @@ class ChatConfig : public QDialog {
 
   signals:
     void committed();
+    // The window opacity the translucency controls show now (1 = opaque), not yet committed.
+    void opacityPreviewed(double opacity);
 
   private:
     QWidget* buildGeneralPage();

@@ -17,7 +17,6 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "config/WindowPlacement.h"
 #include "config/ui/ChatConfig.h"
 #include "contacts/BuddyEditor.h"
 #include "contacts/BuddyList.h"
@@ -43,6 +42,8 @@
 #include "render/ui/ChatNickFormat.h"
 #include "rooms/ui/ChannelWindows.h"
 #include "rooms/ui/ChatRoom.h"
+#include "utils/ui/WindowKeeper.h"
+#include "utils/ui/cMagneticWnd.h"
 
 namespace tavren {
 
@@ -90,17 +91,9 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
         defaultSize = defaultSize.boundedTo(screen->availableGeometry().size());
     }
     resize(defaultSize);
-    if (const auto placement = WindowPlacement::load(session_.store(), kWindowName)) {
-        // A placement from a screen that is gone would hide the window; keep it on screen.
-        const QRect wanted(placement->left, placement->top, placement->width, placement->height);
-        const QScreen* screen = QGuiApplication::screenAt(wanted.center());
-        if (screen != nullptr && wanted.width() > 0 && wanted.height() > 0) {
-            setGeometry(wanted.intersected(screen->availableGeometry()));
-        }
-        if (placement->state == WindowPlacement::Maximized) {
-            setWindowState(windowState() | Qt::WindowMaximized);
-        }
-    }
+    // Every window's placement, minimum size and translucency, and the magnet between them.
+    windowKeeper_ = new WindowKeeper(session_.settings(), session_.store(), this);
+    magnet_ = new cMagneticWnd(this, SnapGeometry::kDefaultDistance, this);
 }
 
 ChatMain::~ChatMain() {
@@ -554,6 +547,8 @@ void ChatMain::openSettings(ChatConfig::Page page) {
     if (settingsWindow_ == nullptr) {
         settingsWindow_ = new ChatConfig(session_.settings(), session_.dataFiles(), *prompter_,
                                          &session_.sounds(), this);
+        connect(settingsWindow_, &ChatConfig::opacityPreviewed, windowKeeper_,
+                &WindowKeeper::previewOpacity);
     }
     settingsWindow_->openAt(page);
 }
@@ -625,16 +620,9 @@ QString ChatMain::paneText() const {
 }
 
 void ChatMain::closeEvent(QCloseEvent* event) {
-    WindowPlacement placement;
-    const QRect frame = normalGeometry();
-    placement.left = frame.left();
-    placement.top = frame.top();
-    placement.width = frame.width();
-    placement.height = frame.height();
-    placement.state = isMaximized()   ? WindowPlacement::Maximized
-                      : isMinimized() ? WindowPlacement::Minimized
-                                      : WindowPlacement::Normal;
-    placement.save(session_.store(), kWindowName);
+    // The other windows stay open until the program ends; their places are kept now, with the
+    // main window's (which the keeper saw close).
+    windowKeeper_->saveAll();
     session_.store().sync();
     if (tray_ != nullptr) {
         tray_->hide();

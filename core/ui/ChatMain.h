@@ -26,6 +26,8 @@ class ClientSession;
 class ConnectionWindows;
 class ContactWindows;
 class Prompter;
+class WindowKeeper;
+class cMagneticWnd;
 
 // The shell: buddy list, news pane, status bar with the away button and connected time, tray
 // icon and main menu. Every menu item carries its command name as object name, so the rest of
@@ -104,6 +106,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ChatRoom* roomWindow_ = nullptr;
     ChatPM* pmWindow_ = nullptr;
     DesktopNotices* notices_ = nullptr;
+    WindowKeeper* windowKeeper_ = nullptr;
+    cMagneticWnd* magnet_ = nullptr;
 };
 
 }  // namespace tavren
