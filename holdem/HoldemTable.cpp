@@ -237,6 +237,7 @@ HoldemTable::Outcome HoldemTable::act(int index, Action action) {
     }
     TableSeat& s = seats_[static_cast<std::size_t>(index)];
     const int before = s.streetBet;
+    const int faced = currentBet_;
     ActionKind done = action.kind;
     switch (action.kind) {
         case ActionKind::Fold:
@@ -262,6 +263,13 @@ HoldemTable::Outcome HoldemTable::act(int index, Action action) {
                 break;
             }
             if (!canRaise(index)) {
+                if (action.kind == ActionKind::AllIn) {
+                    // Nobody could answer a raise, or the betting is closed to this player:
+                    // going all in means calling.
+                    putIn(s, currentBet_ - s.streetBet);
+                    done = ActionKind::Call;
+                    break;
+                }
                 return {false, "You cannot raise now."};
             }
             if (target > maxRaiseTo(index)) {
@@ -293,6 +301,7 @@ HoldemTable::Outcome HoldemTable::act(int index, Action action) {
     acted.amount = s.streetBet - before;
     acted.total = s.streetBet;
     acted.timedOut = timingOut_;
+    acted.previousBet = faced;
     emit(std::move(acted));
     afterAction(index);
     return {true, {}};
@@ -505,7 +514,9 @@ void HoldemTable::finishHand(const std::vector<HandValue>& values) {
     const std::vector<Pot> potList = pots();
     for (PotAward& award : SettlePots(potList, values, button_)) {
         for (std::size_t i = 0; i < award.winners.size(); ++i) {
-            seats_[static_cast<std::size_t>(award.winners[i])].chips += award.shares[i];
+            TableSeat& winner = seats_[static_cast<std::size_t>(award.winners[i])];
+            winner.chips += award.shares[i];
+            award.names.push_back(winner.name);
         }
         TableEvent won = TableEvent::of(TableEvent::Kind::PotWon);
         won.award = std::move(award);

@@ -94,7 +94,12 @@ class HoldemTable {
     void finishHand(const std::vector<HandValue>& values);
     std::vector<int> committedChips() const;
     void giveBack(const Uncalled& uncalled);
-    void emit(TableEvent event) { events_.push_back(std::move(event)); }
+    void emit(TableEvent event) {
+        if (event.seat >= 0 && event.name.empty() && seat(event.seat).occupied) {
+            event.name = seat(event.seat).name;  // still known when the seat empties later
+        }
+        events_.push_back(std::move(event));
+    }
     void tellTurn();
 
     TableRules rules_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <vector>
 
 #include "holdem/HandValue.h"
@@ -19,6 +20,7 @@ struct PotAward {
     int amount = 0;
     std::vector<int> winners;
     std::vector<int> shares;
+    std::vector<std::string> names;  // filled by the table: the winners' names
 };
 
 // Splits the chips every seat put in (`committed`, folded seats too) into pots. `contesting`

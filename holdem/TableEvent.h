@@ -42,6 +42,7 @@ struct TableEvent {
     ActionKind action = ActionKind::Fold;
     int amount = 0;
     int total = 0;
+    int previousBet = 0;  // Acted: the bet the player faced, so a raise of 0 reads as a bet
     bool timedOut = false;
     Street street = Street::Idle;
     std::vector<int> cards;

@@ -296,6 +296,27 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.directory.maxSearchResults =
                  parseNumber<std::size_t>("--max-search-results", v, 1, 500);
          }},
+        {"--holdem-turn-time",
+         [](CommandLine& c, const std::string& v) {
+             c.config.holdem.turnTime = parseSeconds("--holdem-turn-time", v);
+         }},
+        {"--holdem-pause",
+         [](CommandLine& c, const std::string& v) {
+             c.config.holdem.handPause = parseSeconds("--holdem-pause", v);
+         }},
+        {"--holdem-away",
+         [](CommandLine& c, const std::string& v) {
+             c.config.holdem.awayTime = parseSeconds("--holdem-away", v);
+         }},
+        {"--holdem-stake",
+         [](CommandLine& c, const std::string& v) {
+             c.config.holdem.startingStake =
+                 parseNumber<std::int64_t>("--holdem-stake", v, 0, 1'000'000'000);
+         }},
+        {"--max-tables",
+         [](CommandLine& c, const std::string& v) {
+             c.config.holdem.maxTables = parseNumber<std::size_t>("--max-tables", v, 1, 100000);
+         }},
         {"--staff",
          [](CommandLine& c, const std::string& v) {
              c.staffLevel = parseNumber<int>("--staff", v, 1, 3);
@@ -426,6 +447,14 @@ Offline mail, profiles and member search:
                               highest 100)
   --max-profile BYTES         longest profile page (default and highest 10000)
   --max-search-results N      members one search answers with (default 50)
+
+Hold'em tables (a member's chips are the score; see docs/protocol.md):
+  --holdem-turn-time SECONDS  time a player has to act before checking or folding (default 30)
+  --holdem-pause SECONDS      pause between two hands (default 4)
+  --holdem-away SECONDS       a dropped player's seat is kept this long (default 300)
+  --holdem-stake N            chips a member with too few to buy in, and none on a table, is
+                              given (default 10000)
+  --max-tables N              tables open at once (default 500)
 )";
 }
 

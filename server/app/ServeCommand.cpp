@@ -19,6 +19,7 @@
 #include "server/contacts/ProfileRequests.h"
 #include "server/contacts/SearchRequests.h"
 #include "server/contacts/StatusLineRequests.h"
+#include "server/holdem/TableService.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
 #include "server/rooms/ChannelGate.h"
@@ -37,6 +38,7 @@
 #include "server/storage/SqliteAccountStore.h"
 #include "server/storage/SqliteBuddyStore.h"
 #include "server/storage/SqliteChannelStore.h"
+#include "server/storage/SqliteChipBank.h"
 #include "server/storage/SqliteDatabase.h"
 #include "server/storage/WalCheckpointer.h"
 #include "server/storage/SqliteModerationStore.h"
@@ -56,6 +58,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteMailStore mailStore(db);
     SqliteProfileStore profileStore(db);
     SqliteMemberDirectory memberDirectory(db);
+    SqliteChipBank chipBank(db);
     Log::info("database " + config.databasePath.string());
     // The disk is waited for on the checkpointer's thread, never on the network thread.
     WalCheckpointer checkpointer(config.databasePath, config.checkpointInterval);
@@ -87,6 +90,8 @@ int ServeCommand::run(const CommandLine& commandLine) {
     BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
     ProfileRequests profiles(accounts, profileStore, config.directory);
     SearchRequests search(memberDirectory, presence, rooms, config.directory);
+    TableService tables(chipBank, presence, config.holdem, config.rooms.maxLine,
+                        io.get_executor());
     FeatureTable features;
     // First in, last out: moderation reaches every member for as long as any feature knows them.
     features.add(online);
@@ -103,7 +108,9 @@ int ServeCommand::run(const CommandLine& commandLine) {
     features.add(buddyRequests);
     features.add(profiles);
     features.add(search);
+    features.add(tables);
     rooms.start();
+    tables.start();  // chips left on tables by a stop go back to their banks
 
     const SessionServices services{config, accounts, presence, passwords, features, &sanctions};
     Server server(io, config, [&services](ClientLink& link, std::weak_ptr<ClientLink> shared) {
@@ -120,6 +127,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
             server.stop();  // every member leaves every channel on the way out
             rooms.stop();
             votes.stop();
+            tables.stop();
         }
     });
     server.start();

@@ -80,6 +80,16 @@ struct PasswordLimits {
     int signUpsPerHour = 3;
 };
 
+// The Hold'em tables: how long a player may think, the pause between hands, how long a dropped
+// player's seat is kept, and the stake a member with an empty bank is given to sit down with.
+struct HoldemLimits {
+    std::chrono::milliseconds turnTime{30000};
+    std::chrono::milliseconds handPause{4000};
+    std::chrono::milliseconds awayTime{300000};
+    std::int64_t startingStake = 10000;
+    std::size_t maxTables = 500;
+};
+
 // Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
 // tests shrink the intervals so that time-outs happen in a fraction of a second.
 struct ServerConfig {
@@ -145,6 +155,7 @@ struct ServerConfig {
     ContactLimits contacts;
     MailLimits mail;
     DirectoryLimits directory;
+    HoldemLimits holdem;
 };
 
 }  // namespace tavren::server

@@ -111,6 +111,14 @@ constexpr std::array kSchemaSteps = {
            channel_id INTEGER PRIMARY KEY REFERENCES channels(id) ON DELETE CASCADE,
            password_hash TEXT NOT NULL
        );)",
+    // Chips a member has on a Hold'em table, as they stood at the end of the last hand: they go
+    // back to the member's score when the member leaves, or at the next start after a stop.
+    R"(CREATE TABLE holdem_stakes (
+           account_id INTEGER NOT NULL REFERENCES accounts(id) ON DELETE CASCADE,
+           table_name TEXT NOT NULL COLLATE NOCASE,
+           chips INTEGER NOT NULL CHECK (chips >= 0),
+           PRIMARY KEY (account_id, table_name)
+       ))",
 };
 
 }  // namespace
