@@ -111,6 +111,11 @@ void Settings::load() {
         sound = store_.value(QString::fromLatin1(S), SoundSlots::key(slot), sound);
     }
 
+    v.weatherUrl = readText(G, "weatherurl", v.weatherUrl);
+    v.radioStation = readText(G, "radiostation", v.radioStation);
+    v.radioInfoUrl = readText(G, "radioinfourl", v.radioInfoUrl);
+    v.radioVolume = readInt("radiovolume", v.radioVolume, 0, 100);
+
     v.scheme = readText(G, "scheme", v.scheme);
     values_ = v;
     applySchemeFile();
@@ -186,6 +191,9 @@ bool Settings::save() {
     for (int slot = 0; slot < SoundSlots::Count; ++slot) {
         write(SettingsStore::Sounds, SoundSlots::key(slot), v.sounds[std::size_t(slot)]);
     }
+    write(G, QStringLiteral("weatherurl"), v.weatherUrl);
+    write(G, QStringLiteral("radiostation"), v.radioStation);
+    write(G, QStringLiteral("radioinfourl"), v.radioInfoUrl);
     return store_.sync() && ok;
 }
 
@@ -212,6 +220,14 @@ void Settings::setPlaySounds(bool on) {
     values_.playSounds = on;
     store_.setValue(QString::fromLatin1(SettingsStore::Sounds), QStringLiteral("Play"),
                     StoredValue::flagText(on));
+    emit changed();
+}
+
+void Settings::setRadio(const QString& station, int volume) {
+    values_.radioStation = station;
+    values_.radioVolume = volume;
+    store_.setValue(general, QStringLiteral("radiostation"), station);
+    store_.setValue(general, QStringLiteral("radiovolume"), StoredValue::intText(volume));
     emit changed();
 }
 

@@ -56,6 +56,9 @@ class Settings : public QObject {
     // The main window's sound switch, written at once; emits changed().
     void setPlaySounds(bool on);
 
+    // The radio player's station and volume, written at once.
+    void setRadio(const QString& station, int volume);
+
     // The sound file of a slot, or SoundSlots::disabledText(); empty for an invalid slot.
     QString soundFile(int slot) const;
 

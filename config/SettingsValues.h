@@ -68,6 +68,18 @@ struct SettingsValues {
     int lowerRange = 2000;  // local ports for direct connections and file transfers
     int upperRange = 2100;
 
+    // Web services: the weather service's address ("{code}" stands for the postal code), the
+    // radio station's stream and where its "now playing" information is (empty: the status page
+    // of the station's own server).
+    static QString defaultWeatherUrl() { return QStringLiteral("https://wttr.in/{code}?format=j1"); }
+    static QString defaultRadioStation() {
+        return QStringLiteral("https://ice1.somafm.com/groovesalad-128-mp3");
+    }
+    QString weatherUrl = defaultWeatherUrl();
+    QString radioStation = defaultRadioStation();
+    QString radioInfoUrl;
+    int radioVolume = 70;  // percent, set by the player itself
+
     // Event sounds: the master switch and each slot's file or SoundSlots::disabledText().
     bool playSounds = true;
     std::array<QString, SoundSlots::Count> sounds;

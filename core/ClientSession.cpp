@@ -36,7 +36,8 @@ ClientSession::ClientSession(const QString& dataRoot, std::unique_ptr<SettingsSt
       directLinks_(server_, settings_, privateChats_, formatter_, prompter, dataRoot),
       mailbox_(server_),
       memberSearch_(server_),
-      profiles_(server_) {
+      profiles_(server_),
+      web_(settings_, server_, rooms_) {
     server_.dispatcher().route(protocol::server_to_client::kLocateResult,
                                [this](const ServerMessage& m) { locator_.onLocateResult(m); });
     // Conversations know who is a buddy, and say when their member comes and goes.

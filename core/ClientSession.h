@@ -19,6 +19,7 @@
 #include "pm/PrivateChats.h"
 #include "render/ChatLineFormatter.h"
 #include "rooms/RoomSession.h"
+#include "web/WebServices.h"
 
 namespace tavren {
 
@@ -61,6 +62,7 @@ class ClientSession : public QObject {
     Mailbox& mailbox() { return mailbox_; }
     MemberSearch& memberSearch() { return memberSearch_; }
     Profiles& profiles() { return profiles_; }
+    WebServices& web() { return web_; }
 
   private:
     ClientSession(const QString& dataRoot, std::unique_ptr<SettingsStore> store,
@@ -83,6 +85,7 @@ class ClientSession : public QObject {
     Mailbox mailbox_;
     MemberSearch memberSearch_;
     Profiles profiles_;
+    WebServices web_;
 };
 
 }  // namespace tavren

@@ -9,8 +9,10 @@ namespace in = protocol::server_to_client;
 namespace out = protocol::client_to_server;
 
 namespace {
-// Group 4 is notices; this one is the message of the day, which is not an answer to anything.
+// Group 4 is notices; these are the message of the day and the news, which are not answers to
+// anything.
 constexpr std::int16_t kMessageOfTheDayCode = 2;
+constexpr std::int16_t kNewsItemCode = 3;
 }  // namespace
 
 ServerSession::ServerSession(Settings& settings, Prompter& prompter,
@@ -63,6 +65,10 @@ void ServerSession::routeCoreMessages() {
             }
             return;
         }
+        if (m.code.cmd2 == kNewsItemCode) {
+            emit newsItemArrived(m.payload);
+            return;
+        }
         emit noticeArrived(m.payload);
         accountRequests_.onNotice(m);
         console_.onNotice(m);
@@ -89,7 +95,7 @@ void ServerSession::routeCoreMessages() {
         emit scoreChanged(QStringLiteral("Tavren Score: ") + m.payload);
     });
     dispatcher_.route(in::kClearPane, [this](Message) { emit paneClearRequested(); });
-    dispatcher_.route(in::kClearOtherPane, [this](Message) { emit paneClearRequested(); });
+    dispatcher_.route(in::kClearOtherPane, [this](Message) { emit newsWindowClearRequested(); });
 }
 
 QString ServerSession::currentAccountText() const {

@@ -53,8 +53,11 @@ class ServerSession : public QObject {
     // Status-bar texts: "Online: n" and "Tavren Score: n".
     void onlineCountChanged(const QString& text);
     void scoreChanged(const QString& text);
-    // The server asks to clear the main window's news pane.
+    // The server asks to clear the main window's news pane (1, 2) or the news window (1, 7).
     void paneClearRequested();
+    void newsWindowClearRequested();
+    // One news item (4, 3): title U+0001 text.
+    void newsItemArrived(const QString& payload);
     // The session settings after login: the member's name and the server's default room.
     void sessionSettingsArrived(const QString& name, const QString& defaultRoom);
     // How full the flood meters may get and how fast they drain.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 namespace tavren {
 
 // The windows a text command can open, provided by the window layer so that the commands
@@ -17,6 +19,14 @@ class RoomCommandHost {
     virtual void openChannelDirectory() {}
     virtual void openChannelCreation() {}
     virtual void openInviteSender() {}
+    // "/weather " + postal code and "/radio": look up and show the answer in `channel`.
+    // "/news": the news window. Hosts without web services do nothing.
+    virtual void lookUpWeather(const QString& channel, const QString& postalCode) {
+        static_cast<void>(channel);
+        static_cast<void>(postalCode);
+    }
+    virtual void lookUpRadio(const QString& channel) { static_cast<void>(channel); }
+    virtual void openNews() {}
     // Closes the room window as its close command does (every channel is left).
     virtual void closeRoomWindow() = 0;
 };

@@ -38,16 +38,16 @@ bool RoomCommands::submit(int room, const QString& input) {
                             kNoticeNameColor, kNoticeTextColor);
             return true;
         case Kind::Weather:
-            notAvailable(room, QStringLiteral("The weather lookup"));
+            host_.lookUpWeather(channel, command.argument);
             return true;
         case Kind::Radio:
-            notAvailable(room, QStringLiteral("The radio lookup"));
+            host_.lookUpRadio(channel);
             return true;
         case Kind::EditProfile:
             host_.openProfileEditor();
             return true;
         case Kind::News:
-            notAvailable(room, QStringLiteral("The news window"));
+            host_.openNews();
             return true;
         case Kind::FindChannels:
             rooms_.directory().request();
@@ -75,12 +75,6 @@ bool RoomCommands::submit(int room, const QString& input) {
             return rooms_.sendLine(room, command.argument);
     }
     return true;
-}
-
-void RoomCommands::notAvailable(int room, const QString& what) {
-    rooms_.showLine(room, QStringLiteral("Tavren:"),
-                    what + QStringLiteral(" is not available in this version of Tavren yet."),
-                    kNoticeNameColor, kNoticeTextColor);
 }
 
 }  // namespace tavren

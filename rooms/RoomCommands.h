@@ -19,8 +19,6 @@ class RoomCommands {
     bool submit(int room, const QString& input);
 
   private:
-    void notAvailable(int room, const QString& what);
-
     RoomSession& rooms_;
     ServerLink& link_;
     RoomCommandHost& host_;

@@ -62,22 +62,26 @@ QString ChatProfile::elementIdAt(const QPoint& viewportPos) const {
     return names.value(0);
 }
 
-bool ChatProfile::activateElement(const QString& id) {
+bool ChatProfile::activateElement(const QString& id, const QString& href) {
     if (id == QLatin1String("nick")) {
         if (!owner_.isEmpty()) {
             session_.privateChats().openConversation(owner_);
         }
         return true;
     }
-    // The radio player of the old pages is not part of this client.
-    return id == QLatin1String("radio");
+    if (id == QLatin1String("radio")) {
+        emit radioRequested(href);
+        return true;
+    }
+    return false;
 }
 
 bool ChatProfile::eventFilter(QObject* watched, QEvent* event) {
     if (watched == pane_->viewport() && event->type() == QEvent::MouseButtonRelease) {
         const auto* mouse = static_cast<QMouseEvent*>(event);
         if (mouse->button() == Qt::LeftButton &&
-            activateElement(elementIdAt(mouse->position().toPoint()))) {
+            activateElement(elementIdAt(mouse->position().toPoint()),
+                            pane_->anchorAt(mouse->position().toPoint()))) {
             return true;
         }
     }

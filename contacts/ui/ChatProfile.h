@@ -9,8 +9,9 @@ class ClientSession;
 
 // The profile window (one, reused): a member's page in a pane that runs no script and fetches
 // nothing, captioned name + "'s Profile.". A click on the element with the id "nick" opens a
-// conversation with the member; "radio" belongs to the radio player, which this client does
-// not have, and does nothing; other links open in the member's browser.
+// conversation with the member; "radio" offers the link's station in the radio player (the
+// member presses Play: another member's page never starts anything on its own); other links
+// open in the member's browser.
 //
 // Qt keeps an element's id only as the anchor name of its first character, so "nick" and
 // "radio" are recognised on links (<a id='nick' href='...'>), whose whole text is one run.
@@ -28,7 +29,11 @@ class ChatProfile : public QWidget {
     QString elementIdAt(const QPoint& viewportPos) const;
     // What a click on the element with this id does; true when it was one of the page's own
     // actions (and the click goes no further).
-    bool activateElement(const QString& id);
+    bool activateElement(const QString& id, const QString& href = QString());
+
+  signals:
+    // The page's "radio" element was clicked; `station` is its link (maybe not a station).
+    void radioRequested(const QString& station);
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -58,6 +58,7 @@ ChatProfile& ContactWindows::profile() {
     if (profile_ == nullptr) {
         profile_ = new ChatProfile(session_, nullptr);
         profile_->setAttribute(Qt::WA_QuitOnClose, false);
+        connect(profile_, &ChatProfile::radioRequested, this, &ContactWindows::radioRequested);
     }
     return *profile_;
 }

@@ -36,6 +36,10 @@ class ContactWindows : public QObject {
     ChatProfile* profileWindow() const;
     ChatUpdateProfile* profileEditor() const;
 
+  signals:
+    // A profile page's "radio" element was clicked (its link).
+    void radioRequested(const QString& station);
+
   private:
     ChatMail& mail();
     ChatProfile& profile();

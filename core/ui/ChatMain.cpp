@@ -44,6 +44,8 @@
 #include "rooms/ui/ChatRoom.h"
 #include "utils/ui/WindowKeeper.h"
 #include "utils/ui/cMagneticWnd.h"
+#include "web/ui/ChatNews.h"
+#include "web/ui/ChatRadio.h"
 
 namespace tavren {
 
@@ -68,6 +70,8 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     buildTrayIcon();
     notices_ = new DesktopNotices(
         session_.settings(), tray_, [] { return QApplication::activeWindow() != nullptr; }, this);
+    connect(contactWindows_, &ContactWindows::radioRequested, this,
+            [this](const QString& station) { openRadio(station); });
     connect(notices_, &DesktopNotices::conversationWanted, this,
             [this](const QString& user) { session_.privateChats().openConversation(user); });
     setOnlineLook(false);
@@ -224,6 +228,12 @@ void ChatMain::buildMenus() {
     ads->setCheckable(true);
     connect(ads, &QAction::triggered, this,
             [this](bool on) { session_.settings().setShowAds(on); });
+    viewMenu->addSeparator();
+    connect(addCommand(viewMenu, QStringLiteral("news"), QStringLiteral("N&ews.."), true),
+            &QAction::triggered, this, &ChatMain::openNews);
+    connect(addCommand(viewMenu, QStringLiteral("radio"), QStringLiteral("&Radio Player.."), true),
+            &QAction::triggered, this, [this] { openRadio(); });
+    viewMenu->addSeparator();
     QAction* sounds =
         addCommand(viewMenu, QStringLiteral("playsounds"), QStringLiteral("Play &Sounds"), true);
     sounds->setCheckable(true);
@@ -428,12 +438,10 @@ void ChatMain::followServerSession() {
     });
     connect(&server, &ServerSession::onlineCountChanged, onlineLabel_, &QLabel::setText);
     connect(&server, &ServerSession::scoreChanged, scoreLabel_, &QLabel::setText);
-    connect(&server, &ServerSession::paneClearRequested, pane_, &QTextBrowser::clear);
-    connect(&server, &ServerSession::messageOfTheDay, this, [this](const QString& text) {
-        pane_->setHtml(QStringLiteral("<p><b>Message of the Day</b></p><p>") +
-                       text.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>")) +
-                       QStringLiteral("</p>"));
-    });
+    // The pane shows the message of the day and the server's news, as the feed has them.
+    NewsFeed& news = session_.web().news();
+    connect(&news, &NewsFeed::paneChanged, this,
+            [this] { pane_->setHtml(session_.web().news().paneHtml()); });
     connect(&session_.locator(), &MemberLocator::located, this, [this](const QString& sentence) {
         prompter_->message(sentence, QStringLiteral("Locate User"), Prompter::Icon::Information);
     });
@@ -586,6 +594,30 @@ void ChatMain::openNicknameFormat() {
     if (dialog.exec() == QDialog::Accepted) {
         session_.server().accountRequests().changeNicknameFormat(dialog.formatText());
     }
+}
+
+void ChatMain::lookUpWeather(const QString& channel, const QString& postalCode) {
+    session_.web().lookUpWeather(channel, postalCode);
+}
+
+void ChatMain::lookUpRadio(const QString& channel) {
+    session_.web().lookUpRadio(channel);
+}
+
+void ChatMain::openNews() {
+    if (newsWindow_ == nullptr) {
+        newsWindow_ = new ChatNews(session_.web().news(), this);
+    }
+    newsWindow_->show();
+    newsWindow_->raise();
+    newsWindow_->activateWindow();
+}
+
+void ChatMain::openRadio(const QString& station) {
+    if (radioWindow_ == nullptr) {
+        radioWindow_ = new ChatRadio(session_.web(), this);
+    }
+    radioWindow_->showStation(station);
 }
 
 void ChatMain::openChannelDirectory() {

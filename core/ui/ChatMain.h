@@ -21,6 +21,8 @@ namespace tavren {
 class ChatPM;
 class ChannelWindows;
 class ChatRoom;
+class ChatNews;
+class ChatRadio;
 class DesktopNotices;
 class ClientSession;
 class ConnectionWindows;
@@ -66,6 +68,11 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ChannelWindows& channelWindows() { return *channelWindows_; }
     void openProfileEditor() override;
     ContactWindows& contactWindows() { return *contactWindows_; }
+    void lookUpWeather(const QString& channel, const QString& postalCode) override;
+    void lookUpRadio(const QString& channel) override;
+    void openNews() override;
+    // The radio player, with `station` in its address box when one is given.
+    void openRadio(const QString& station = QString());
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -108,6 +115,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     DesktopNotices* notices_ = nullptr;
     WindowKeeper* windowKeeper_ = nullptr;
     cMagneticWnd* magnet_ = nullptr;
+    ChatNews* newsWindow_ = nullptr;
+    ChatRadio* radioWindow_ = nullptr;
 };
 
 }  // namespace tavren

@@ -184,6 +184,14 @@ class CountingHost : public RoomCommandHost {
     void openNicknameFormat() override { ++format; }
     void openAbout() override { ++about; }
     void closeRoomWindow() override { ++closed; }
+    void lookUpWeather(const QString& channel, const QString& code) override {
+        weather << channel + QLatin1Char('/') + code;
+    }
+    void lookUpRadio(const QString& channel) override { radio << channel; }
+    void openNews() override { ++news; }
+    QStringList weather;
+    QStringList radio;
+    int news = 0;
     int settings = 0;
     int format = 0;
     int about = 0;
@@ -204,10 +212,16 @@ TEST_F(RoomSessionTest, TextCommandsOfTheClientActWithoutTheServer) {
     EXPECT_EQ(host.settings + host.format + host.about, 3);
     // Not a postal code: the text stays in the box, nothing happens.
     EXPECT_FALSE(commands.submit(0, QStringLiteral("/weather abc")));
+    EXPECT_TRUE(host.weather.isEmpty());
+    // The lookups are asked for the channel they were typed in; the line comes with the answer.
     const auto before = lines.size();
+    EXPECT_TRUE(commands.submit(0, QStringLiteral("/Weather 90210")));
     EXPECT_TRUE(commands.submit(0, QStringLiteral("/radio")));
-    ASSERT_EQ(lines.size(), before + 1);
-    EXPECT_TRUE(lines.back().second.contains(QStringLiteral("not available")));
+    EXPECT_TRUE(commands.submit(0, QStringLiteral("/news")));
+    EXPECT_EQ(host.weather, QStringList{QStringLiteral("General/90210")});
+    EXPECT_EQ(host.radio, QStringList{QStringLiteral("General")});
+    EXPECT_EQ(host.news, 1);
+    EXPECT_EQ(lines.size(), before);
     EXPECT_TRUE(commands.submit(0, QStringLiteral("/invite Bob")));
     EXPECT_TRUE(lines.back().second.contains(
         QStringLiteral("\u2022 Invited <b>Bob</b> to <b>General</b>")));
