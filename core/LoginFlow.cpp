@@ -8,6 +8,7 @@
 #include "core/Prompter.h"
 #include "core/SavedAccounts.h"
 #include "core/ServerConnection.h"
+#include "core/UpdateDownload.h"
 #include "core/ServerLink.h"
 #include "core/WireText.h"
 #include "core/protocol/Catalogue.h"
@@ -260,6 +261,8 @@ void LoginFlow::onUpdateNotice(const ServerMessage& message) {
         offered.isValid() && !offered.host().isEmpty() &&
         (offered.scheme() == QLatin1String("http") || offered.scheme() == QLatin1String("https"));
     const QString url = webAddress ? offered.toString() : QString();
+    // A third field, "sha256=" + hex, names the installer's checksum (servers of old send two).
+    const QString sha256 = QString::fromLatin1(UpdateDownload::parseChecksum(fields.value(2)));
     // The notice stands in for the hello; the login goes on whatever the user answers, and
     // without waiting for the answer.
     sendCredentials();
@@ -273,9 +276,9 @@ void LoginFlow::onUpdateNotice(const ServerMessage& message) {
                            "Download it now? Choose No to stop reminding you of this version.")
                 .arg(version, download),
             QStringLiteral("Upgrade to %1 Now").arg(version),
-            [this, version, url](Prompter::Answer answer) {
+            [this, version, url, sha256](Prompter::Answer answer) {
                 if (answer == Prompter::Answer::Yes && !url.isEmpty()) {
-                    emit updateDownloadRequested(url);
+                    emit updateDownloadRequested(url, version, sha256);
                 } else if (answer == Prompter::Answer::No) {
                     settings_.suppressNag(version);
                 }

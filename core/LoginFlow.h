@@ -91,7 +91,9 @@ class LoginFlow : public QObject {
     void captionChanged(const QString& caption);
     void nicknameChanged(const QString& nickname);
     // The user wants the newer client the server told about.
-    void updateDownloadRequested(const QString& url);
+    // `sha256` is the checksum the notice carried (lower-case hex), empty when it had none.
+    void updateDownloadRequested(const QString& url, const QString& version,
+                                 const QString& sha256);
 
   private:
     void pressLogin();

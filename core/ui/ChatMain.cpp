@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDesktopServices>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -31,9 +32,11 @@
 #include "core/LoginFlow.h"
 #include "core/ServerConnection.h"
 #include "core/ServerSession.h"
+#include "core/UpdateDownload.h"
 #include "core/ui/AboutDialog.h"
 #include "core/ui/AppIcon.h"
 #include "core/ui/ChatNewAway.h"
+#include "core/ui/ChatUpdate.h"
 #include "core/ui/ConnectionWindows.h"
 #include "core/ui/DesktopNotices.h"
 #include "core/ui/MessageBoxPrompter.h"
@@ -70,6 +73,8 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     buildTrayIcon();
     notices_ = new DesktopNotices(
         session_.settings(), tray_, [] { return QApplication::activeWindow() != nullptr; }, this);
+    connect(&session_.server().login(), &LoginFlow::updateDownloadRequested, this,
+            &ChatMain::openUpdate);
     connect(contactWindows_, &ContactWindows::radioRequested, this,
             [this](const QString& station) { openRadio(station); });
     connect(notices_, &DesktopNotices::conversationWanted, this,
@@ -618,6 +623,22 @@ void ChatMain::openRadio(const QString& station) {
         radioWindow_ = new ChatRadio(session_.web(), this);
     }
     radioWindow_->showStation(station);
+}
+
+void ChatMain::openUpdate(const QString& url, const QString& version, const QString& sha256) {
+    if (sha256.isEmpty()) {
+        // Nothing to check a download against: the member fetches it from the page instead.
+        QDesktopServices::openUrl(QUrl(url));
+        return;
+    }
+    if (updateWindow_ == nullptr) {
+        updateWindow_ = new ChatUpdate(session_.dataRoot(), this);
+    }
+    if (updateWindow_->download().state() != UpdateDownload::State::Downloading) {
+        updateWindow_->start(url, version, sha256);
+    }
+    updateWindow_->show();
+    updateWindow_->raise();
 }
 
 void ChatMain::openChannelDirectory() {

@@ -22,6 +22,7 @@ class ChatPM;
 class ChannelWindows;
 class ChatRoom;
 class ChatNews;
+class ChatUpdate;
 class ChatRadio;
 class DesktopNotices;
 class ClientSession;
@@ -73,6 +74,10 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void openNews() override;
     // The radio player, with `station` in its address box when one is given.
     void openRadio(const QString& station = QString());
+    // The server offered a newer client and the member wants it: downloaded and checked when the
+    // notice named a checksum, else its page opens in the browser.
+    void openUpdate(const QString& url, const QString& version, const QString& sha256);
+    ChatUpdate* updateWindow() const { return updateWindow_; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -117,6 +122,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     cMagneticWnd* magnet_ = nullptr;
     ChatNews* newsWindow_ = nullptr;
     ChatRadio* radioWindow_ = nullptr;
+    ChatUpdate* updateWindow_ = nullptr;
 };
 
 }  // namespace tavren

@@ -1,8 +1,6 @@
 #include "core/ui/ConnectionWindows.h"
 
-#include <QDesktopServices>
 #include <QScreen>
-#include <QUrl>
 #include <QWidget>
 #include <algorithm>
 
@@ -32,8 +30,6 @@ ConnectionWindows::ConnectionWindows(ServerSession& session, Prompter& prompter,
     errors();
     connect(&session_.accountRequests(), &AccountRequests::emailReceived, this,
             &ConnectionWindows::openEmailDialog);
-    connect(&session_.login(), &LoginFlow::updateDownloadRequested, this,
-            [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
 }
 
 ChatLogin& ConnectionWindows::login() {

@@ -1,6 +1,7 @@
 #include "server/app/CommandLine.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <functional>
@@ -31,6 +32,21 @@ Number parseNumber(const std::string& option, const std::string& text, Number lo
 std::chrono::milliseconds parseSeconds(const std::string& option, const std::string& text) {
     const double seconds = parseNumber<double>(option, text, 0.01, 86400.0);
     return std::chrono::milliseconds(static_cast<std::int64_t>(std::llround(seconds * 1000.0)));
+}
+
+// 64 hex digits, kept in lower case.
+std::string parseSha256(const std::string& option, const std::string& text) {
+    std::string hex;
+    for (const char c : text) {
+        if (!std::isxdigit(static_cast<unsigned char>(c))) {
+            throw CommandLineError(option + " wants a SHA-256 in hex, not \"" + text + "\"");
+        }
+        hex += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
+    if (hex.size() != 64) {
+        throw CommandLineError(option + " wants a SHA-256 of 64 hex digits");
+    }
+    return hex;
 }
 
 VersionNumber parseVersion(const std::string& option, const std::string& text) {
@@ -194,6 +210,11 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.latestVersion = parseVersion("--latest-version", v);
          }},
         {"--update-url", [](CommandLine& c, const std::string& v) { c.config.updateUrl = v; }},
+        {"--update-sha256",
+         [](CommandLine& c, const std::string& v) {
+             c.config.updateSha256 = parseSha256("--update-sha256", v);
+         }},
+        {"--news", [](CommandLine& c, const std::string& v) { c.config.newsFile = v; }},
         {"--motd", [](CommandLine& c, const std::string& v) { c.config.messageOfTheDay = v; }},
         {"--channel",
          [](CommandLine& c, const std::string& v) { addOfficialChannel(v, c.config); }},
@@ -393,6 +414,10 @@ Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or 
   --min-version X.Y.Z         older clients are refused (default 1.0.0)
   --latest-version X.Y.Z      older clients are offered the update (default 1.0.0)
   --update-url URL            where the update is downloaded from
+  --update-sha256 HEX         SHA-256 of that file, sent with the update notice; clients
+                              download and run the update only when it matches
+  --news FILE                 news sent after login: "# title" lines, each followed by its
+                              text; read again whenever the file changes
   --motd TEXT                 message of the day, shown after login and on /motd
 
 Load and abuse (an address group is an IPv4 address or an IPv6 /64):

@@ -4,6 +4,7 @@
 #include <asio/signal_set.hpp>
 #include <csignal>
 #include <iostream>
+#include <optional>
 
 #include "server/accounts/AccountRequests.h"
 #include "server/accounts/PasswordGate.h"
@@ -31,6 +32,7 @@
 #include "server/rooms/RoomRequests.h"
 #include "server/rooms/RoomService.h"
 #include "server/rooms/Sanctions.h"
+#include "server/base/NewsFile.h"
 #include "server/rooms/ServerCommands.h"
 #include "server/session/FeatureTable.h"
 #include "server/session/SessionHandler.h"
@@ -112,7 +114,13 @@ int ServeCommand::run(const CommandLine& commandLine) {
     rooms.start();
     tables.start();  // chips left on tables by a stop go back to their banks
 
-    const SessionServices services{config, accounts, presence, passwords, features, &sanctions};
+    std::optional<NewsFile> news;
+    if (!config.newsFile.empty()) {
+        news.emplace(config.newsFile);
+        news->current();  // says in the log now what the first login will get
+    }
+    const SessionServices services{config,   accounts,   presence, passwords,
+                                   features, &sanctions, news ? &*news : nullptr};
     Server server(io, config, [&services](ClientLink& link, std::weak_ptr<ClientLink> shared) {
         return std::make_unique<SessionHandler>(services, link, std::move(shared));
     });

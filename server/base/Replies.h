@@ -16,6 +16,8 @@ inline constexpr protocol::CodePair kSignUpResult{protocol::kLoginResultGroup, 2
 inline constexpr protocol::CodePair kNotice{protocol::kNoticeGroup, 1};
 // The message of the day: a notice of its own, so that the client can show it in its news pane.
 inline constexpr protocol::CodePair kMessageOfTheDay{protocol::kNoticeGroup, 2};
+// One news item after login (title U+0001 text), for the client's news pane and window.
+inline constexpr protocol::CodePair kNewsItem{protocol::kNoticeGroup, 3};
 
 inline constexpr std::string_view kNotRegistered = "Nickname not registered!";
 inline constexpr std::string_view kAccountCreationError = "Account Creation Error!";

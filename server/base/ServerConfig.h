@@ -146,9 +146,14 @@ struct ServerConfig {
     VersionNumber minimumVersion{1, 0, 0};
     VersionNumber latestVersion{1, 0, 0};
     std::string updateUrl;
+    // The SHA-256 of the file at `updateUrl` (64 hex digits, lower case), sent with the update
+    // notice so that the client can check what it downloaded; empty when not given.
+    std::string updateSha256;
 
     // Shown to every member after login when not empty, and on "/motd".
     std::string messageOfTheDay;
+    // The news file sent after login (see NewsFile); none when empty.
+    std::filesystem::path newsFile;
 
     PasswordLimits passwords;
     RoomLimits rooms;

@@ -8,6 +8,7 @@
 #include "server/accounts/PasswordGate.h"
 #include "server/accounts/PasswordWorker.h"
 #include "server/base/Log.h"
+#include "server/base/NewsFile.h"
 #include "server/base/Replies.h"
 #include "server/net/PresenceHub.h"
 #include "server/session/FeatureTable.h"
@@ -134,9 +135,12 @@ void SessionHandler::onVersion(const protocol::Frame& frame) {
     }
     stage_ = Stage::kAwaitingCredentials;
     if (*version < config.latestVersion) {
-        link_.send(out::kUpdateNotice,
-                   protocol::JoinFields({config.latestVersion.toString(), config.updateUrl},
-                                        protocol::kListSeparator));
+        // The checksum is a third field: clients that know only two read past it.
+        std::vector<std::string> notice{config.latestVersion.toString(), config.updateUrl};
+        if (!config.updateSha256.empty()) {
+            notice.push_back("sha256=" + config.updateSha256);
+        }
+        link_.send(out::kUpdateNotice, protocol::JoinFields(notice, protocol::kListSeparator));
     } else {
         link_.send(out::kHello, protocol::JoinFields({replies::kServerName, TAVREND_VERSION},
                                                      protocol::kListSeparator));
@@ -200,8 +204,19 @@ void SessionHandler::onLoginConfirmed() {
     }
     link_.send(out::kScore, std::to_string(member.account.score));
     services_.features.memberArrived(member);
+    // With news, the client's news pane and news window start afresh, as they do for each
+    // login, and the items follow the message of the day.
+    if (services_.news != nullptr) {
+        link_.send(out::kClearPane, "");
+        link_.send(out::kClearOtherPane, "");
+    }
     if (!services_.config.messageOfTheDay.empty()) {
         link_.send(replies::kMessageOfTheDay, services_.config.messageOfTheDay);
+    }
+    if (services_.news != nullptr) {
+        for (const NewsItem& item : services_.news->current()) {
+            link_.send(replies::kNewsItem, NewsFile::payload(item));
+        }
     }
     Log::info(name + " logged in from " + link_.peerAddress());
 }

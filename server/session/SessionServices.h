@@ -7,6 +7,7 @@ namespace tavren::server {
 class AccountStore;
 class FeatureTable;
 class LoginGate;
+class NewsFile;
 class PasswordGate;
 class PresenceHub;
 
@@ -21,6 +22,8 @@ struct SessionServices {
     const FeatureTable& features;
     // Bans and suspensions that keep a member from logging in or signing up; none when null.
     LoginGate* gate = nullptr;
+    // The news sent after login; none when null.
+    NewsFile* news = nullptr;
 };
 
 }  // namespace tavren::server
