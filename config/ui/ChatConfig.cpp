@@ -104,6 +104,7 @@ ChatConfig::ChatConfig(Settings& settings, DataFiles& files, Prompter& prompter,
     panels_->addWidget(buildPrivacyPage());
     panels_->addWidget(buildPerformPage());
     panels_->addWidget(buildAwayPage());
+    panels_->addWidget(buildWebPage());
 
     auto* buttons = new QDialogButtonBox(this);
     auto* resetButton = buttons->addButton(tr("&Reset"), QDialogButtonBox::ResetRole);
@@ -137,7 +138,7 @@ ChatConfig::ChatConfig(Settings& settings, DataFiles& files, Prompter& prompter,
 QStringList ChatConfig::pageNames() {
     return {QStringLiteral("General"), QStringLiteral("UI Options"), QStringLiteral("Sounds"),
             QStringLiteral("Proxy"),   QStringLiteral("Server"),     QStringLiteral("Privacy"),
-            QStringLiteral("Perform"), QStringLiteral("Away Msg's")};
+            QStringLiteral("Perform"), QStringLiteral("Away Msg's"), QStringLiteral("Web Services")};
 }
 
 QString ChatConfig::caption() {
@@ -377,6 +378,35 @@ QWidget* ChatConfig::buildProxyPage() {
     return pageWithLayout(this, layout);
 }
 
+QWidget* ChatConfig::buildWebPage() {
+    const auto addressBox = [this](const QString& name, const QString& placeholder) {
+        auto* box = new QLineEdit(this);
+        box->setObjectName(name);
+        box->setPlaceholderText(placeholder);
+        return box;
+    };
+    weatherUrl_ = addressBox(QStringLiteral("weatherurl"), SettingsValues::defaultWeatherUrl());
+    radioStation_ =
+        addressBox(QStringLiteral("radiostation"), SettingsValues::defaultRadioStation());
+    radioInfoUrl_ = addressBox(QStringLiteral("radioinfourl"),
+                               tr("empty: the status page of the station's own server"));
+    auto* form = new QFormLayout;
+    form->addRow(tr("Weather service:"), weatherUrl_);
+    form->addRow(tr("Radio station:"), radioStation_);
+    form->addRow(tr("Station information:"), radioInfoUrl_);
+    auto* layout = new QVBoxLayout;
+    layout->addLayout(form);
+    layout->addWidget(wrappedLabel(
+        tr("\"/weather\" followed by a postal code asks the weather service; {code} in its "
+           "address stands for the postal code, and the answer is JSON as wttr.in gives it "
+           "(format=j1). The radio player plays the station's stream; \"/radio\" and the "
+           "player's \"What's Playing?\" read an Icecast status page (/status-json.xsl). Only "
+           "http and https addresses are used."),
+        this));
+    layout->addStretch(1);
+    return pageWithLayout(this, layout);
+}
+
 QWidget* ChatConfig::buildServerPage() {
     serverHost_ = editableCombo(QStringLiteral("Combo2"));
     serverPort_ = editableCombo(QStringLiteral("Combo3"));
@@ -491,6 +521,9 @@ void ChatConfig::populate(const SettingsValues& v) {
     colors_ = v.colors;
     schemeName_ = v.scheme;
     proxyPort_->setText(v.proxyPort);
+    weatherUrl_->setText(v.weatherUrl);
+    radioStation_->setText(v.radioStation);
+    radioInfoUrl_->setText(v.radioInfoUrl);
     selectEntry(proxyHost_, {}, v.proxyHost);
     useProxy_->setChecked(v.useProxy);
     transLevel_->setValue(v.transLevel);
@@ -528,6 +561,9 @@ SettingsValues ChatConfig::editedValues() const {
     v.colors = colors_;
     v.scheme = schemeName_;
     v.proxyPort = proxyPort_->text().trimmed();
+    v.weatherUrl = weatherUrl_->text().trimmed();
+    v.radioStation = radioStation_->text().trimmed();
+    v.radioInfoUrl = radioInfoUrl_->text().trimmed();
     v.proxyHost = proxyHost_->currentText().trimmed();
     v.useProxy = useProxy_->isChecked();
     v.transLevel = transLevel_->value();

@@ -46,7 +46,8 @@ class ChatConfig : public QDialog {
         Server,
         Privacy,
         Perform,
-        AwayMessages
+        AwayMessages,
+        WebServices
     };
 
     // The chooser seams let tests stand in for the modal colour and file dialogs.
@@ -98,6 +99,7 @@ class ChatConfig : public QDialog {
     QWidget* buildPrivacyPage();
     QWidget* buildPerformPage();
     QWidget* buildAwayPage();
+    QWidget* buildWebPage();
     QCheckBox* checkBox(const QString& name, const QString& text);
     QSlider* levelSlider(const QString& name, int minimum, int maximum);
     QComboBox* editableCombo(const QString& name);
@@ -153,6 +155,9 @@ class ChatConfig : public QDialog {
     QSlider* autoScroll_;
     QSlider* transLevel_;
     QLineEdit* proxyPort_;
+    QLineEdit* weatherUrl_;
+    QLineEdit* radioStation_;
+    QLineEdit* radioInfoUrl_;
     QComboBox* proxyHost_;
     QComboBox* serverHost_;
     QComboBox* serverPort_;

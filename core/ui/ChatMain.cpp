@@ -35,6 +35,7 @@
 #include "core/UpdateDownload.h"
 #include "core/ui/AboutDialog.h"
 #include "core/ui/AppIcon.h"
+#include "core/ui/ChatHelp.h"
 #include "core/ui/ChatNewAway.h"
 #include "core/ui/ChatUpdate.h"
 #include "core/ui/ConnectionWindows.h"
@@ -246,7 +247,9 @@ void ChatMain::buildMenus() {
             [this](bool on) { session_.settings().setPlaySounds(on); });
 
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
-    addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."), false);
+    connect(addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."),
+                       true),
+            &QAction::triggered, this, [this] { openHelp(); });
     connect(addCommand(helpMenu, QStringLiteral("abouttavren"), QStringLiteral("&About Tavren.."),
                        true),
             &QAction::triggered, this, &ChatMain::showAbout);
@@ -623,6 +626,13 @@ void ChatMain::openRadio(const QString& station) {
         radioWindow_ = new ChatRadio(session_.web(), this);
     }
     radioWindow_->showStation(station);
+}
+
+void ChatMain::openHelp(const QString& topic) {
+    if (helpWindow_ == nullptr) {
+        helpWindow_ = new ChatHelp(this);
+    }
+    helpWindow_->showTopic(topic);
 }
 
 void ChatMain::openUpdate(const QString& url, const QString& version, const QString& sha256) {

@@ -21,6 +21,7 @@ namespace tavren {
 class ChatPM;
 class ChannelWindows;
 class ChatRoom;
+class ChatHelp;
 class ChatNews;
 class ChatUpdate;
 class ChatRadio;
@@ -74,6 +75,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void openNews() override;
     // The radio player, with `station` in its address box when one is given.
     void openRadio(const QString& station = QString());
+    // The help window at the page of `topic` (empty: the first page).
+    void openHelp(const QString& topic = QString());
     // The server offered a newer client and the member wants it: downloaded and checked when the
     // notice named a checksum, else its page opens in the browser.
     void openUpdate(const QString& url, const QString& version, const QString& sha256);
@@ -123,6 +126,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ChatNews* newsWindow_ = nullptr;
     ChatRadio* radioWindow_ = nullptr;
     ChatUpdate* updateWindow_ = nullptr;
+    ChatHelp* helpWindow_ = nullptr;
 };
 
 }  // namespace tavren

@@ -54,18 +54,25 @@ class ChatConfigTest : public test::SettingsFixture {
     std::unique_ptr<ChatConfig> window;
 };
 
-TEST_F(ChatConfigTest, EightPagesEachSettingItsTitle) {
+TEST_F(ChatConfigTest, NinePagesEachSettingItsTitle) {
     auto* pages = control<QListWidget>("lstOptions");
     auto* title = control<QLabel>("lbltitle");
-    ASSERT_EQ(pages->count(), 8);
+    ASSERT_EQ(pages->count(), 9);
     const QStringList expected{"General", "UI Options", "Sounds",  "Proxy",
-                               "Server",  "Privacy",    "Perform", "Away Msg's"};
+                               "Server",  "Privacy",    "Perform", "Away Msg's", "Web Services"};
     for (int row = 0; row < pages->count(); ++row) {
         EXPECT_EQ(pages->item(row)->text(), expected[row]);
     }
     window->openAt(ChatConfig::Page::AwayMessages);
     EXPECT_EQ(window->currentPage(), ChatConfig::Page::AwayMessages);
     EXPECT_EQ(title->text(), "Away Msg's");
+    // The web services' addresses are edited like every other setting and kept on OK.
+    window->openAt(ChatConfig::Page::WebServices);
+    EXPECT_EQ(title->text(), "Web Services");
+    auto* weather = control<QLineEdit>("weatherurl");
+    EXPECT_EQ(weather->text(), SettingsValues::defaultWeatherUrl());
+    weather->setText(QStringLiteral(" http://w.example/{code} "));
+    EXPECT_EQ(window->editedValues().weatherUrl, QStringLiteral("http://w.example/{code}"));
     pages->setCurrentRow(3);
     EXPECT_EQ(window->currentPage(), ChatConfig::Page::Proxy);
     EXPECT_EQ(title->text(), "Proxy");

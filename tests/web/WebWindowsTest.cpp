@@ -84,7 +84,7 @@ TEST_F(WebWindowsTest, NewsAndRadioOpenFromTheMenuTheChannelAndAProfile) {
     deliver(newsItem, QStringLiteral("Hold'em night\u0001Friday at eight."));
     EXPECT_TRUE(main.paneText().contains(QStringLiteral("Hold'em night")));
 
-    for (const char* name : {"news", "radio", "abouttavren"}) {
+    for (const char* name : {"news", "radio", "helptopics", "abouttavren"}) {
         ASSERT_NE(main.action(QString::fromLatin1(name)), nullptr) << name;
         EXPECT_TRUE(main.action(QString::fromLatin1(name))->isEnabled()) << name;
     }
