@@ -35,15 +35,15 @@ class HandValue {
 
     static constexpr HandValue make(HandCategory category, std::initializer_list<int> ranks) {
         std::uint32_t bits = static_cast<std::uint32_t>(category);
-        int slots = 0;
+        int filled = 0;
         for (int rank : ranks) {
-            if (slots == kRankSlots) {
+            if (filled == kRankSlots) {
                 break;
             }
             bits = (bits << 4) | (static_cast<std::uint32_t>(rank) & 0xFu);
-            ++slots;
+            ++filled;
         }
-        for (; slots < kRankSlots; ++slots) {
+        for (; filled < kRankSlots; ++filled) {
             bits <<= 4;
         }
         return HandValue(bits);

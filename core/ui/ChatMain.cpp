@@ -42,6 +42,7 @@
 #include "core/ui/DesktopNotices.h"
 #include "core/ui/MessageBoxPrompter.h"
 #include "core/ui/ToolBarIcons.h"
+#include "games/ui/GameWindows.h"
 #include "pm/ui/ChatPM.h"
 #include "render/ui/ChatNickFormat.h"
 #include "rooms/ui/ChannelWindows.h"
@@ -68,6 +69,7 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     connectionWindows_ = new ConnectionWindows(session_.server(), *prompter_, this);
     channelWindows_ = new ChannelWindows(session_, *prompter_, *this, this);
     contactWindows_ = new ContactWindows(session_, *prompter_, this);
+    gameWindows_ = new GameWindows(session_, *prompter_, this);
     buildMenus();
     buildCentralArea();
     buildStatusBar();
@@ -216,12 +218,18 @@ void ChatMain::buildMenus() {
             &QAction::triggered, this, [this] { openSettings(ChatConfig::Page::AwayMessages); });
 
     QMenu* gameMenu = menuBar()->addMenu(QStringLiteral("&Games"));
-    addCommand(gameMenu, QStringLiteral("jointable"), QStringLiteral("&Join Table.."), false);
-    addCommand(gameMenu, QStringLiteral("mnufindtable"), QStringLiteral("&Find Tables.."), false);
-    addCommand(gameMenu, QStringLiteral("mnucreatetable"), QStringLiteral("&Create Table.."),
-               false);
-    addCommand(gameMenu, QStringLiteral("mnu_gameinvite"), QStringLiteral("&Invite to Table.."),
-               false);
+    connect(addCommand(gameMenu, QStringLiteral("jointable"), QStringLiteral("&Join Table.."),
+                       false),
+            &QAction::triggered, gameWindows_, &GameWindows::promptJoinTable);
+    connect(addCommand(gameMenu, QStringLiteral("mnufindtable"), QStringLiteral("&Find Tables.."),
+                       false),
+            &QAction::triggered, gameWindows_, &GameWindows::openLobby);
+    connect(addCommand(gameMenu, QStringLiteral("mnucreatetable"),
+                       QStringLiteral("&Create Table.."), false),
+            &QAction::triggered, gameWindows_, &GameWindows::openCreation);
+    connect(addCommand(gameMenu, QStringLiteral("mnu_gameinvite"),
+                       QStringLiteral("&Invite to Table.."), false),
+            &QAction::triggered, gameWindows_, [this] { gameWindows_->openInvite(); });
 
     QMenu* viewMenu = menuBar()->addMenu(QStringLiteral("&View"));
     QAction* toolbar =
@@ -414,6 +422,9 @@ void ChatMain::setOnlineLook(bool online) {
     for (const char* name : {"editprofile", "readmessages", "membersearch"}) {
         actions_.value(QString::fromLatin1(name))->setEnabled(online);
     }
+    for (const char* name : {"jointable", "mnufindtable", "mnucreatetable", "mnu_gameinvite"}) {
+        actions_.value(QString::fromLatin1(name))->setEnabled(online);
+    }
     mailButton_->setEnabled(online);
     actions_.value(QStringLiteral("loginoff"))
         ->setText(online ? QStringLiteral("Log &Off") : QStringLiteral("&Login.."));
@@ -472,6 +483,8 @@ void ChatMain::followServerSession() {
         if (roomWindow_ == nullptr) {
             roomWindow_ = new ChatRoom(session_, *this, *prompter_, nullptr);
             roomWindow_->setAttribute(Qt::WA_QuitOnClose, false);
+            connect(roomWindow_, &ChatRoom::tableInviteRequested, gameWindows_,
+                    [this](const QString& member) { gameWindows_->openInvite(member); });
         }
     });
     connect(&server.clock(), &ConnectedClock::textChanged, timeLabel_, &QLabel::setText);

@@ -29,6 +29,7 @@ class DesktopNotices;
 class ClientSession;
 class ConnectionWindows;
 class ContactWindows;
+class GameWindows;
 class Prompter;
 class WindowKeeper;
 class cMagneticWnd;
@@ -117,6 +118,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     ConnectionWindows* connectionWindows_ = nullptr;
     ChannelWindows* channelWindows_ = nullptr;
     ContactWindows* contactWindows_ = nullptr;
+    GameWindows* gameWindows_ = nullptr;
     ChatConfig* settingsWindow_ = nullptr;
     ChatRoom* roomWindow_ = nullptr;
     ChatPM* pmWindow_ = nullptr;

@@ -356,6 +356,9 @@ void ChatRoom::showMemberMenu(const QString& listedName, const QPoint& globalPos
     QAction* profile = menu.addAction(tr("View &Profile"));
     profile->setObjectName(QStringLiteral("viewit"));
     connect(profile, &QAction::triggered, this, [this, name] { session_.profiles().view(name); });
+    QAction* table = menu.addAction(tr("Invite to &Table.."));
+    table->setObjectName(QStringLiteral("mnu_gameinvite"));
+    connect(table, &QAction::triggered, this, [this, name] { emit tableInviteRequested(name); });
     menu.exec(globalPos);
 }
 

@@ -41,6 +41,10 @@ class ChatRoom : public QMainWindow {
     // Sends what the selected tab's input box holds, as Enter does.
     void sendInput();
 
+  signals:
+    // The member menu's "Invite to Table..": invite this member to a Hold'em table.
+    void tableInviteRequested(const QString& member);
+
   protected:
     void closeEvent(QCloseEvent* event) override;
 

@@ -35,6 +35,7 @@ struct GameTable {
     asio::steady_timer turnTimer;
     std::uint64_t turnSerial = 0;
     Clock::time_point turnDeadline{};
+    bool turnToTell = false;
     asio::steady_timer pauseTimer;
     bool pausing = false;
 

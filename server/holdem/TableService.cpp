@@ -552,6 +552,10 @@ void TableService::pump(GameTable& table) {
         }
     }
     sendSnapshots(table);
+    if (table.turnToTell && table.game.toAct() >= 0) {
+        sendTurn(table, table.game.seat(table.game.toAct()).name);
+    }
+    table.turnToTell = false;
     if (table.game.occupiedSeats() == 0) {
         removeIfEmpty(key);
         return;
@@ -580,7 +584,7 @@ void TableService::armTurnClock(GameTable& table) {
             found->second->game.timeOut();
             pump(*found->second);
         });
-    sendTurn(table, table.game.seat(seat).name);
+    table.turnToTell = true;  // after the table's new state, so the prompt meets a fresh view
 }
 
 void TableService::scheduleHand(GameTable& table) {
