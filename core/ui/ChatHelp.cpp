@@ -43,6 +43,8 @@ ChatHelp::ChatHelp(QWidget* parent) : QWidget(parent, Qt::Window) {
     splitter->addWidget(page_);
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 3);
+    // The topics' titles fit their list.
+    splitter->setSizes({250, 510});
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(splitter);
     search(QString());

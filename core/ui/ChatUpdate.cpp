@@ -39,6 +39,9 @@ ChatUpdate::ChatUpdate(const QString& dataRoot, QWidget* parent)
     detail_->setObjectName(QStringLiteral("detail"));
     detail_->setTextFormat(Qt::PlainText);
     detail_->setWordWrap(true);
+    // Room for the longest message (where the installer is kept) without the window growing.
+    detail_->setMinimumHeight(detail_->fontMetrics().lineSpacing() * 3);
+    detail_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     button_ = new QPushButton(tr("&Cancel"), this);
     button_->setObjectName(QStringLiteral("cancel"));
     connect(button_, &QPushButton::clicked, this, [this] {
