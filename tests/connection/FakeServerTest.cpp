@@ -101,7 +101,8 @@ TEST(FakeServerTest, PingsBeforeLoginAreAnsweredAndFramesOutsideTheScriptAreShow
             // A ping, results nobody asked for, a notice, a list, frames of features not built.
             peer.send(in::kPing, "Ping");
             peer.send(CodePair{3, 7}, "Registration Success!");
-            peer.send(CodePair{4, 3}, "Maintenance at noon.");
+            // (4, 3) is the news; any other group 4 code is a notice.
+            peer.send(CodePair{4, 9}, "Maintenance at noon.");
             peer.send(in::kListUpdate, "one\x01two\x01");
             peer.send(CodePair{2, 5}, "General:@bob");
             peer.send(CodePair{5, 1}, "");
