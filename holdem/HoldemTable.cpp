@@ -458,7 +458,7 @@ void HoldemTable::showdown() {
                 evaluator_.evaluate(std::span<const int, 7>(cards));
         }
     }
-    const std::vector<Pot> potList = pots();
+    const std::vector<Pot> potList = settlementPots();
     // The last to bet or raise on the final round shows first; after a round checked through,
     // the first player after the button. Then round the table: a hand that cannot win any pot
     // it is in against what is shown already goes into the muck unseen.
@@ -503,6 +503,48 @@ void HoldemTable::showdown() {
 }
 
 std::vector<Pot> HoldemTable::pots() const {
+    if (street_ == Street::Idle || street_ == Street::Showdown) {
+        return settlementPots();
+    }
+    // While the betting goes on, only an all-in closes a pot: the bets above the highest all-in
+    // are one pot still growing, whoever has matched them so far.
+    std::vector<int> levels;
+    for (const TableSeat& s : seats_) {
+        if (s.contesting() && s.allIn) {
+            levels.push_back(s.committed);
+        }
+    }
+    std::sort(levels.begin(), levels.end());
+    levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
+    std::vector<Pot> inPlay;
+    int below = 0;
+    for (int level : levels) {
+        Pot pot;
+        for (int index = 0; index < seatCount(); ++index) {
+            const TableSeat& s = seat(index);
+            pot.amount += std::clamp(s.committed, below, level) - below;
+            if (s.contesting() && s.committed >= level) {
+                pot.eligible.push_back(index);
+            }
+        }
+        inPlay.push_back(std::move(pot));
+        below = level;
+    }
+    Pot rest;
+    for (int index = 0; index < seatCount(); ++index) {
+        const TableSeat& s = seat(index);
+        rest.amount += std::max(0, s.committed - below);
+        if (s.contesting() && s.committed > below) {
+            rest.eligible.push_back(index);
+        }
+    }
+    if (rest.amount > 0) {
+        inPlay.push_back(std::move(rest));
+    }
+    return inPlay;
+}
+
+std::vector<Pot> HoldemTable::settlementPots() const {
     std::array<bool, TableRules::kMaxSeats> contesting{};
     for (std::size_t index = 0; index < seats_.size(); ++index) {
         contesting[index] = seats_[index].contesting();
@@ -511,7 +553,7 @@ std::vector<Pot> HoldemTable::pots() const {
 }
 
 void HoldemTable::finishHand(const std::vector<HandValue>& values) {
-    const std::vector<Pot> potList = pots();
+    const std::vector<Pot> potList = settlementPots();
     for (PotAward& award : SettlePots(potList, values, button_)) {
         for (std::size_t i = 0; i < award.winners.size(); ++i) {
             TableSeat& winner = seats_[static_cast<std::size_t>(award.winners[i])];

@@ -71,7 +71,8 @@ class HoldemTable {
     bool canRaise(int seat) const;
     int minRaiseTo(int seat) const;
     int maxRaiseTo(int seat) const;
-    // The pots as they stand, bets of the current round included.
+    // The pots as they stand, bets of the current round included: a pot closes at each all-in
+    // level, the bets above the highest all-in are one pot.
     std::vector<Pot> pots() const;
     // Every chip at the table: behind and in the pot.
     long long totalChips() const;
@@ -93,6 +94,9 @@ class HoldemTable {
     void showdown();
     void finishHand(const std::vector<HandValue>& values);
     std::vector<int> committedChips() const;
+    // The pots that are paid: one per level any player still in has reached, after the part of
+    // a bet nobody matched went back.
+    std::vector<Pot> settlementPots() const;
     void giveBack(const Uncalled& uncalled);
     void emit(TableEvent event) {
         if (event.seat >= 0 && event.name.empty() && seat(event.seat).occupied) {

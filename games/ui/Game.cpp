@@ -90,6 +90,7 @@ Game::Game(GameSession& games, const QString& table, const QString& dataRoot, QW
     split->setStretchFactor(0, 4);
     split->setStretchFactor(1, 1);
     split->setChildrenCollapsible(false);
+    split->setSizes({520, 170});
 
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(split, 1);

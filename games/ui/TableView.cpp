@@ -18,7 +18,7 @@ const QColor kPanel(16, 22, 18, 215);
 const QColor kGold(255, 208, 96);
 const QColor kText(236, 240, 232);
 constexpr QSizeF kSeatPanel(136, 46);
-constexpr QSizeF kHoleCard(40, 56);
+constexpr QSizeF kHoleCard(50, 70);
 constexpr QSizeF kBoardCard(48, 68);
 
 QString Chips(int chips) {
@@ -198,7 +198,8 @@ void TableView::paintEvent(QPaintEvent*) {
             DrawChipStack(p, Lerp(c, centre, 0.55), player.bet);
         }
         if (player.seat == state_.button) {
-            const QPointF at = Lerp(c, centre, 0.45) + QPointF(34, 0);
+            // Beside the seat's panel, clear of the cards that lie towards the middle.
+            const QPointF at(c.x() + kSeatPanel.width() / 2 + 16, c.y() - kSeatPanel.height() / 2);
             p.setPen(QPen(Qt::black, 1));
             p.setBrush(Qt::white);
             p.drawEllipse(at, 10, 10);

@@ -215,6 +215,25 @@ TEST(HoldemTableTest, ALosingHandIsMuckedUnseenAfterTheWinnerShows) {
     EXPECT_EQ(hand.won.at(1), 120);
 }
 
+TEST(HoldemTableTest, PotsInPlayCloseOnlyAtAllInLevels) {
+    HoldemTable table = TableWith({1000, 1000, 100});
+    ASSERT_TRUE(table.startHand(OrderedDeck()));
+    Record(table);
+    EXPECT_TRUE(table.act(0, {ActionKind::Raise, 300}).accepted);
+    // Blinds and a raise nobody has matched yet: still one pot.
+    ASSERT_EQ(table.pots().size(), 1u);
+    EXPECT_EQ(table.pots()[0].amount, 315);
+    EXPECT_TRUE(table.act(1, {ActionKind::Call}).accepted);
+    EXPECT_TRUE(table.act(2, {ActionKind::AllIn}).accepted);
+    EXPECT_EQ(table.street(), Street::Flop);
+    const auto pots = table.pots();
+    ASSERT_EQ(pots.size(), 2u);
+    EXPECT_EQ(pots[0].amount, 300);
+    EXPECT_EQ(pots[0].eligible, (std::vector<int>{0, 1, 2}));
+    EXPECT_EQ(pots[1].amount, 400);
+    EXPECT_EQ(pots[1].eligible, (std::vector<int>{0, 1}));
+}
+
 TEST(HoldemTableTest, RefusesBadSeatsDecksAndNames) {
     HoldemTable table = TableWith({1000});
     EXPECT_FALSE(table.canStartHand());
