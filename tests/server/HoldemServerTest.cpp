@@ -328,5 +328,61 @@ TEST_F(HoldemServerTest, BadRequestsPasswordsAndInvitations) {
     EXPECT_GE(alice.bank, 900);
 }
 
+// Chips on a table outlive the server: killed in the middle of a hand, it gives every seat's
+// chips from before that hand back to the banks when it starts again. A dropped player who does
+// not come back loses the seat, and its chips go back to the bank too.
+TEST_F(HoldemServerTest, ChipsOnTablesOutliveAKilledServerAndAnAbandonedSeat) {
+    {
+        Player& alice = join("alice");
+        Player& bob = join("bob");
+        alice.client->send(in::kCreateTable, "Green Felt:2:5:10:300:");
+        bob.client->send(in::kJoinTable, "Green Felt");
+        // Hand 1 is played out (alice raises, bob folds), hand 2 is dealt when the server dies.
+        bool raised = false;
+        playUntil([&] { return alice.events("deal").size() >= 2; },
+                  [&](Player&, const std::string&) {
+                      const bool first = !raised;
+                      raised = true;
+                      return first ? std::string("raise:40") : std::string("fold");
+                  });
+        EXPECT_EQ(alice.bank + bob.bank, 2 * 700);
+        server_->killAtOnce();
+        players_.clear();
+    }
+    startServer({"--holdem-away", "0.5", "--holdem-pause", "0.2"});
+    Player& alice = join("alice");
+    Player& bob = join("bob");
+    // The banks show when the two sit down again: the stakes written at the end of hand 1
+    // (one won the blinds, one lost them) went back first, then 200 each went onto the table.
+    alice.client->send(in::kCreateTable, "Den:2:5:10:200:");
+    alice.drain(300ms);
+    bob.client->send(in::kJoinTable, "Den");
+    bob.drain(300ms);
+    ASSERT_NE(alice.bank, -1);
+    ASSERT_NE(bob.bank, -1);
+    EXPECT_EQ(alice.bank + bob.bank, 2000 - 400);
+    EXPECT_NE(alice.bank, bob.bank);
+
+    const long long bobBank = bob.bank;
+    bob.client.reset();  // gone, and not back within the half second the seat waits
+    for (int i = 0; i < 50 && alice.events("leave").empty(); ++i) {
+        alice.drain(100ms);
+    }
+    ASSERT_FALSE(alice.events("leave").empty());
+    // The seat's chips (200, less a blind it may have posted) are back in bob's bank: sitting
+    // down again takes 200 from it.
+    auto again = member("bob");
+    again->ignore(protocol::server_to_client::kBuddyPresence);
+    again->send(in::kJoinTable, "Den");
+    long long bank = -1;
+    while (auto frame = again->next(300ms)) {
+        if (frame->code == protocol::server_to_client::kScore) {
+            bank = std::stoll(frame->payload);
+        }
+    }
+    EXPECT_GE(bank, bobBank - 10);
+    EXPECT_LE(bank, bobBank);
+}
+
 }  // namespace
 }  // namespace tavren::test
