@@ -96,9 +96,10 @@ ChatMain::ChatMain(ClientSession& session, QWidget* parent)
     applyViewSettings();
     rebuildAwayMenu();
 
-    // Wide enough for the tool bar's buttons and every field of the status bar; never taller
-    // or wider than a small (or strongly scaled) screen.
-    QSize defaultSize(360, 580);
+    // Wide enough for the tool bar's buttons and every field of the status bar, a six-digit
+    // score among them (chips won at the tables are the score); never taller or wider than a
+    // small (or strongly scaled) screen.
+    QSize defaultSize(420, 580);
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         defaultSize = defaultSize.boundedTo(screen->availableGeometry().size());
     }
@@ -218,9 +219,9 @@ void ChatMain::buildMenus() {
             &QAction::triggered, this, [this] { openSettings(ChatConfig::Page::AwayMessages); });
 
     QMenu* gameMenu = menuBar()->addMenu(QStringLiteral("&Games"));
-    connect(addCommand(gameMenu, QStringLiteral("jointable"), QStringLiteral("&Join Table.."),
-                       false),
-            &QAction::triggered, gameWindows_, &GameWindows::promptJoinTable);
+    connect(
+        addCommand(gameMenu, QStringLiteral("jointable"), QStringLiteral("&Join Table.."), false),
+        &QAction::triggered, gameWindows_, &GameWindows::promptJoinTable);
     connect(addCommand(gameMenu, QStringLiteral("mnufindtable"), QStringLiteral("&Find Tables.."),
                        false),
             &QAction::triggered, gameWindows_, &GameWindows::openLobby);
@@ -255,9 +256,9 @@ void ChatMain::buildMenus() {
             [this](bool on) { session_.settings().setPlaySounds(on); });
 
     QMenu* helpMenu = menuBar()->addMenu(QStringLiteral("&Help"));
-    connect(addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."),
-                       true),
-            &QAction::triggered, this, [this] { openHelp(); });
+    connect(
+        addCommand(helpMenu, QStringLiteral("helptopics"), QStringLiteral("&Help Topics.."), true),
+        &QAction::triggered, this, [this] { openHelp(); });
     connect(addCommand(helpMenu, QStringLiteral("abouttavren"), QStringLiteral("&About Tavren.."),
                        true),
             &QAction::triggered, this, &ChatMain::showAbout);
@@ -496,10 +497,10 @@ void ChatMain::followMailbox() {
         const Mailbox& box = session_.mailbox();
         actions_.value(QStringLiteral("readmessages"))->setText(box.menuCaption());
         mailButton_->setIcon(box.count() > 0 ? MailIcons::mailFull() : MailIcons::mailEmpty());
-        mailButton_->setToolTip(box.count() > 0
-                                    ? tr("%n message(s) in your inbox. Click to read them.", "",
-                                         box.count())
-                                    : tr("No mail. Click to open the mail window."));
+        mailButton_->setToolTip(
+            box.count() > 0
+                ? tr("%n message(s) in your inbox. Click to read them.", "", box.count())
+                : tr("No mail. Click to open the mail window."));
     };
     connect(&mailbox, &Mailbox::countChanged, this, showCount);
     showCount();

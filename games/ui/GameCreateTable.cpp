@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QSpinBox>
 #include <QVBoxLayout>
 
@@ -36,6 +37,8 @@ GameCreateTable::GameCreateTable(GameSession& games, QWidget* parent)
     password_->setObjectName(QStringLiteral("tablePassword"));
     password_->setEchoMode(QLineEdit::Password);
     password_->setPlaceholderText(QStringLiteral("none: anybody may sit down"));
+    password_->setMinimumWidth(
+        password_->fontMetrics().horizontalAdvance(password_->placeholderText()) + 24);
     problem_ = new QLabel(this);
     problem_->setObjectName(QStringLiteral("problem"));
     problem_->setStyleSheet(QStringLiteral("color: #B00000;"));
@@ -61,6 +64,15 @@ GameCreateTable::GameCreateTable(GameSession& games, QWidget* parent)
         }
     });
     connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
+    // A plain window has no default button: Enter in any field creates the table, Esc closes.
+    for (const auto key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto* enter = new QShortcut(QKeySequence(key), this);
+        enter->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(enter, &QShortcut::activated, buttons, &QDialogButtonBox::accepted);
+    }
+    auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    escape->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(escape, &QShortcut::activated, this, &QWidget::close);
     connect(smallBlind_, &QSpinBox::valueChanged, this, [this](int small) {
         if (bigBlind_->value() < small) {
             bigBlind_->setValue(small);
