@@ -119,8 +119,9 @@ QList<ChatInvite*> ChannelWindows::invitePrompts() const {
 
 ChatPassword* ChannelWindows::passwordPrompt(const QString& channel) const {
     for (const auto& prompt : passwords_) {
-        if (prompt && prompt->channel().compare(channel, Qt::CaseInsensitive) == 0) {
-            return prompt.data();
+        ChatPassword* open = prompt.data();
+        if (open && QString::compare(open->channel(), channel, Qt::CaseInsensitive) == 0) {
+            return open;
         }
     }
     return nullptr;

@@ -124,11 +124,11 @@ TEST(ChannelStoreTest, NamesAreUniqueInAnyCaseHostsAreCountedOfficialChannelsNev
     alice.passwordHash = "h";
     ASSERT_TRUE(accounts.create(alice));
 
-    Channel lounge{0, "Lounge Room", "", alice.id, false, 100, 100};
+    Channel lounge{0, "Lounge Room", "", alice.id, false, 100, 100, ""};
     ASSERT_TRUE(channels.create(lounge));
-    Channel again{0, "LOUNGE ROOM", "", alice.id, false, 100, 100};
+    Channel again{0, "LOUNGE ROOM", "", alice.id, false, 100, 100, ""};
     EXPECT_FALSE(channels.create(again));
-    Channel old{0, "Old Room", "", alice.id, false, 10, 10};
+    Channel old{0, "Old Room", "", alice.id, false, 10, 10, ""};
     ASSERT_TRUE(channels.create(old));
     EXPECT_EQ(channels.countHostedBy(alice.id), 2u);
     channels.setTopic(lounge.id, "caf\xe9: open");
