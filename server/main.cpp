@@ -1,5 +1,6 @@
 // tavrend: the Tavren chat server. Parses the command line and runs the command it names: serve
-// in the foreground (the default), add an account, or print the usage.
+// in the foreground (the default), add an account, print the certificate's fingerprint, or print
+// the usage.
 #include <exception>
 #include <iostream>
 #include <string>
@@ -9,6 +10,7 @@
 #include "server/app/CommandLine.h"
 #include "server/app/ServeCommand.h"
 #include "server/base/Log.h"
+#include "server/net/TlsCredentials.h"
 
 int main(int argc, char** argv) {
     using namespace tavren::server;
@@ -26,6 +28,15 @@ int main(int argc, char** argv) {
             return 0;
         case CommandLine::Mode::kAccountAdd:
             return AccountAddCommand::run(commandLine, std::cout, std::cerr);
+        case CommandLine::Mode::kFingerprint:
+            try {
+                std::cout << TlsCredentials::forServer(commandLine.config).current()->fingerprint()
+                          << "\n";
+                return 0;
+            } catch (const std::exception& error) {
+                std::cerr << "tavrend: " << error.what() << "\n";
+                return 1;
+            }
         case CommandLine::Mode::kServe:
             break;
     }

@@ -215,6 +215,13 @@ const std::map<std::string, OptionHandler>& optionHandlers() {
              c.config.updateSha256 = parseSha256("--update-sha256", v);
          }},
         {"--news", [](CommandLine& c, const std::string& v) { c.config.newsFile = v; }},
+        {"--tls-cert",
+         [](CommandLine& c, const std::string& v) { c.config.tls.certificateFile = v; }},
+        {"--tls-key", [](CommandLine& c, const std::string& v) { c.config.tls.keyFile = v; }},
+        {"--tls-handshake-time",
+         [](CommandLine& c, const std::string& v) {
+             c.config.tls.handshakeTimeout = parseSeconds("--tls-handshake-time", v);
+         }},
         {"--motd", [](CommandLine& c, const std::string& v) { c.config.messageOfTheDay = v; }},
         {"--channel",
          [](CommandLine& c, const std::string& v) { addOfficialChannel(v, c.config); }},
@@ -363,6 +370,10 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
             words.push_back(argument);
             continue;
         }
+        if (argument == "--require-tls") {  // the one option without a value
+            result.config.tls.required = true;
+            continue;
+        }
         const auto handler = optionHandlers().find(argument);
         if (handler == optionHandlers().end()) {
             throw CommandLineError("unknown option " + argument);
@@ -374,15 +385,20 @@ CommandLine CommandLine::parse(const std::vector<std::string>& arguments) {
         staffOrEmailGiven = staffOrEmailGiven || argument == "--staff" || argument == "--email";
     }
 
-    if (!words.empty()) {
+    if (words.size() == 1 && words[0] == "fingerprint") {
+        result.mode = Mode::kFingerprint;
+    } else if (!words.empty()) {
         if (words.size() != 4 || words[0] != "account" || words[1] != "add") {
-            throw CommandLineError("the only command is: account add NAME PASSWORD");
+            throw CommandLineError("the commands are: account add NAME PASSWORD, and fingerprint");
         }
         result.mode = Mode::kAccountAdd;
         result.accountName = words[2];
         result.accountPassword = words[3];
     } else if (staffOrEmailGiven) {
         throw CommandLineError("--staff and --email belong to: account add NAME PASSWORD");
+    }
+    if (result.config.tls.certificateFile.empty() != result.config.tls.keyFile.empty()) {
+        throw CommandLineError("--tls-cert and --tls-key go together");
     }
     if (result.config.databasePath.empty()) {
         result.config.databasePath = DataFolder::defaultDatabasePath();
@@ -394,6 +410,9 @@ std::string CommandLine::usage() {
     return R"(usage:
   tavrend [--listen HOST:PORT] [--db FILE] [options]
   tavrend [--db FILE] account add NAME PASSWORD [--staff 1|2|3] [--email ADDRESS]
+  tavrend [--db FILE] [--tls-cert FILE --tls-key FILE] fingerprint
+                              prints the SHA-256 fingerprint of the server's certificate (its
+                              own is made first when there is none yet)
 
 Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or SIGTERM stop it.
   --listen HOST:PORT          address to listen on (default 127.0.0.1:5678; port 0 picks a free
@@ -419,6 +438,18 @@ Serves the Tavren chat protocol in the foreground and logs to stderr; SIGINT or 
   --news FILE                 news sent after login: "# title" lines, each followed by its
                               text; read again whenever the file changes
   --motd TEXT                 message of the day, shown after login and on /motd
+
+Encryption (the one port serves TLS and plain connections alike):
+  --tls-cert FILE             the server's certificate, PEM (a chain allowed); with --tls-key.
+                              Without them the server makes its own at the first start and keeps
+                              it beside the database (tls-certificate.pem, tls-key.pem, owner
+                              only). SIGHUP reads the files again without dropping anyone
+  --tls-key FILE              its private key, PEM
+  --require-tls               a plain connection that tries to log in or sign up is told to turn
+                              encryption on and is closed
+  --tls-handshake-time SECONDS
+                              an encrypted connection must finish its handshake this soon after
+                              connecting (default 5)
 
 Load and abuse (an address group is an IPv4 address or an IPv6 /64):
   --max-connections N         connections open at once in all (default 30000; lowered to what the

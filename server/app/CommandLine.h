@@ -11,9 +11,10 @@ namespace tavren::server {
 // The parsed command line of `tavrend`:
 //   tavrend [--listen HOST:PORT] [--db FILE] [limits...]          serve in the foreground
 //   tavrend [--db FILE] account add NAME PASSWORD [--staff 1|2|3] [--email ADDRESS]
+//   tavrend [--db FILE] [--tls-cert FILE --tls-key FILE] fingerprint
 //   tavrend --help
 struct CommandLine {
-    enum class Mode { kServe, kAccountAdd, kHelp };
+    enum class Mode { kServe, kAccountAdd, kFingerprint, kHelp };
 
     Mode mode = Mode::kServe;
     ServerConfig config;

@@ -3,6 +3,7 @@
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <csignal>
+#include <functional>
 #include <iostream>
 #include <optional>
 
@@ -11,6 +12,7 @@
 #include "server/accounts/PasswordWorker.h"
 #include "server/app/CommandLine.h"
 #include "server/base/Log.h"
+#include "server/base/NewsFile.h"
 #include "server/contacts/BuddyRequests.h"
 #include "server/contacts/DirectConnectionRequests.h"
 #include "server/contacts/LocateRequests.h"
@@ -23,6 +25,7 @@
 #include "server/holdem/TableService.h"
 #include "server/net/LocalPresenceHub.h"
 #include "server/net/Server.h"
+#include "server/net/TlsCredentials.h"
 #include "server/rooms/ChannelGate.h"
 #include "server/rooms/ChannelInvitations.h"
 #include "server/rooms/ChannelRequests.h"
@@ -32,7 +35,6 @@
 #include "server/rooms/RoomRequests.h"
 #include "server/rooms/RoomService.h"
 #include "server/rooms/Sanctions.h"
-#include "server/base/NewsFile.h"
 #include "server/rooms/ServerCommands.h"
 #include "server/session/FeatureTable.h"
 #include "server/session/SessionHandler.h"
@@ -42,11 +44,11 @@
 #include "server/storage/SqliteChannelStore.h"
 #include "server/storage/SqliteChipBank.h"
 #include "server/storage/SqliteDatabase.h"
-#include "server/storage/WalCheckpointer.h"
-#include "server/storage/SqliteModerationStore.h"
 #include "server/storage/SqliteMailStore.h"
 #include "server/storage/SqliteMemberDirectory.h"
+#include "server/storage/SqliteModerationStore.h"
 #include "server/storage/SqliteProfileStore.h"
+#include "server/storage/WalCheckpointer.h"
 
 namespace tavren::server {
 
@@ -62,6 +64,9 @@ int ServeCommand::run(const CommandLine& commandLine) {
     SqliteMemberDirectory memberDirectory(db);
     SqliteChipBank chipBank(db);
     Log::info("database " + config.databasePath.string());
+    TlsCredentials tls = TlsCredentials::forServer(config);
+    Log::info("TLS certificate " + tls.certificateFile().string() + ", SHA-256 fingerprint " +
+              tls.current()->fingerprint() + (config.tls.required ? " (encryption required)" : ""));
     // The disk is waited for on the checkpointer's thread, never on the network thread.
     WalCheckpointer checkpointer(config.databasePath, config.checkpointInterval);
     db.leaveCheckpointsToOthers();
@@ -92,8 +97,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
     BuddyRequests buddyRequests(buddies, buddyPresence, config.contacts);
     ProfileRequests profiles(accounts, profileStore, config.directory);
     SearchRequests search(memberDirectory, presence, rooms, config.directory);
-    TableService tables(chipBank, presence, config.holdem, config.rooms.maxLine,
-                        io.get_executor());
+    TableService tables(chipBank, presence, config.holdem, config.rooms.maxLine, io.get_executor());
     FeatureTable features;
     // First in, last out: moderation reaches every member for as long as any feature knows them.
     features.add(online);
@@ -119,11 +123,31 @@ int ServeCommand::run(const CommandLine& commandLine) {
         news.emplace(config.newsFile);
         news->current();  // says in the log now what the first login will get
     }
-    const SessionServices services{config,   accounts,   presence, passwords,
-                                   features, &sanctions, news ? &*news : nullptr};
+    const SessionServices services{
+        config, accounts, presence, passwords, features, &sanctions, news ? &*news : nullptr};
     Server server(io, config, [&services](ClientLink& link, std::weak_ptr<ClientLink> shared) {
         return std::make_unique<SessionHandler>(services, link, std::move(shared));
     });
+    server.setTls(&tls);
+    // SIGHUP: the certificate files are read again (renewed by the operator, say); members who
+    // are connected stay, new connections get the new certificate.
+    asio::signal_set reloadSignal(io, SIGHUP);
+    std::function<void()> awaitReload = [&] {
+        reloadSignal.async_wait([&](const asio::error_code& error, int) {
+            if (error) {
+                return;
+            }
+            std::string why;
+            if (tls.reload(why)) {
+                Log::info("TLS certificate read again, SHA-256 fingerprint " +
+                          tls.current()->fingerprint());
+            } else {
+                Log::warn("TLS certificate not read again, the old one stays: " + why);
+            }
+            awaitReload();
+        });
+    };
+    awaitReload();
     asio::signal_set signals(io, SIGINT, SIGTERM);
     signals.async_wait([&](const asio::error_code& error, int signal) {
         if (!error) {
@@ -132,6 +156,7 @@ int ServeCommand::run(const CommandLine& commandLine) {
             passwords.shutDown();
             // Members going offline because the server stops tell nobody: everybody goes.
             buddyPresence.stop();
+            reloadSignal.cancel();
             server.stop();  // every member leaves every channel on the way out
             rooms.stop();
             votes.stop();

@@ -22,6 +22,10 @@ inline constexpr protocol::CodePair kNewsItem{protocol::kNoticeGroup, 3};
 inline constexpr std::string_view kNotRegistered = "Nickname not registered!";
 inline constexpr std::string_view kAccountCreationError = "Account Creation Error!";
 inline constexpr std::string_view kRegistrationSuccess = "Registration Success!";
+// To a plain connection that logs in or signs up when the server takes encrypted ones only.
+inline constexpr std::string_view kEncryptionRequired =
+    "This server accepts encrypted connections only. Turn on \"Encrypted connection (TLS)\" "
+    "on the Server page of the settings window and connect again.";
 
 inline constexpr std::string_view kPing = "Ping";
 inline constexpr std::string_view kOk = "OK";

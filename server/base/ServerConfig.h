@@ -69,7 +69,7 @@ struct PasswordLimits {
     // Checks queued or running for one address group: a household or office behind one NAT
     // whose clients all reconnect at once after a server restart must not be turned away.
     std::size_t maxPendingPerAddress = 8;
-    std::size_t maxPending = 128;          // checks queued or running in all
+    std::size_t maxPending = 128;  // checks queued or running in all
     // Failed logins (or password changes) allowed before each further try has to wait; the wait
     // doubles with every failure from one second up to `maxBackoff`.
     int failuresBeforeBackoff = 5;
@@ -88,6 +88,20 @@ struct HoldemLimits {
     std::chrono::milliseconds awayTime{300000};
     std::int64_t startingStake = 10000;
     std::size_t maxTables = 500;
+};
+
+// Encryption: the one listening port serves TLS (a connection whose first byte opens a TLS
+// handshake) and the plain protocol alike.
+struct TlsSettings {
+    // PEM files (the certificate file may hold a chain). Both empty: the server's own
+    // certificate, made at the first start and kept beside the database.
+    std::filesystem::path certificateFile;
+    std::filesystem::path keyFile;
+    // A plain connection that tries to log in or sign up is told to turn encryption on.
+    bool required = false;
+    // From the connection's start: an encrypted connection must have finished its handshake by
+    // then, or it is closed.
+    std::chrono::milliseconds handshakeTimeout{5000};
 };
 
 // Everything an operator (or a test) can tune. The defaults suit a small community on one machine;
@@ -155,6 +169,7 @@ struct ServerConfig {
     // The news file sent after login (see NewsFile); none when empty.
     std::filesystem::path newsFile;
 
+    TlsSettings tls;
     PasswordLimits passwords;
     RoomLimits rooms;
     ContactLimits contacts;

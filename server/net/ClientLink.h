@@ -29,6 +29,8 @@ class ClientLink {
     virtual const std::string& peerAddress() const = 0;
     // The key per-address limits count this client under (see AddressGroup).
     virtual const std::string& addressGroup() const { return peerAddress(); }
+    // True once the client's TLS handshake is done; false for the plain protocol.
+    virtual bool encrypted() const { return false; }
 };
 
 }  // namespace tavren::server

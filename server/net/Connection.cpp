@@ -1,5 +1,6 @@
 #include "server/net/Connection.h"
 
+#include <sys/socket.h>
 #include <algorithm>
 #include <array>
 #include <asio/co_spawn.hpp>
@@ -7,6 +8,8 @@
 #include <asio/post.hpp>
 #include <asio/use_awaitable.hpp>
 #include <asio/write.hpp>
+#include <cerrno>
+#include <cstring>
 #include <vector>
 
 #include "core/protocol/Catalogue.h"
@@ -24,6 +27,10 @@ constexpr std::chrono::seconds kFinishGrace{2};
 // little more than one short frame.
 constexpr std::size_t kReadChunk = 64 * 1024;
 constexpr std::size_t kSmallestReadChunk = 1024;
+// The first byte of a TLS handshake record; no plain frame starts with it.
+constexpr unsigned char kTlsHandshakeRecord = 0x16;
+// The largest TLS record's payload: one write through TLS takes at most this much of the queue.
+constexpr std::size_t kTlsRecord = 16 * 1024;
 
 // One read buffer for every connection of the thread: a read takes what the socket holds and
 // hands it to the cutter at once, so an idle connection holds no buffer of its own.
@@ -32,13 +39,23 @@ std::array<char, kReadChunk>& sharedReadBuffer() {
     return buffer;
 }
 
+// Where queued frames are gathered into one record before TLS encrypts them; shared like the
+// read buffer, because a write that has to wait is repeated from the queue, not from here.
+std::array<char, kTlsRecord>& sharedTlsWriteBuffer() {
+    static thread_local std::array<char, kTlsRecord> buffer;
+    return buffer;
+}
+
 }  // namespace
 
 Connection::Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
                        const FrameHandlerFactory& makeHandler, AddressLimiter::Slot slot,
-                       MemoryBudget& memory, std::string peerAddress, std::string addressGroup)
+                       MemoryBudget& memory, std::string peerAddress, std::string addressGroup,
+                       std::shared_ptr<const TlsContext> tls)
     : socket_(std::move(socket)),
       config_(config),
+      tlsContext_(std::move(tls)),
+      transport_(tlsContext_ ? Transport::kUndecided : Transport::kPlain),
       makeHandler_(makeHandler),
       slot_(std::move(slot)),
       peerAddress_(std::move(peerAddress)),
@@ -60,6 +77,7 @@ void Connection::start() {
     const auto now = std::chrono::steady_clock::now();
     nextPing_ = now + config_.pingInterval;
     loginDeadline_ = now + config_.loginTimeout;
+    handshakeDeadline_ = now + config_.tls.handshakeTimeout;
     asio::error_code nonBlocking;
     socket_.non_blocking(true, nonBlocking);
     waitReadable();
@@ -151,10 +169,18 @@ void Connection::sendFrame(SharedFrame frame) {
 }
 
 void Connection::startWriting() {
-    if (writing_ || stopped_) {
+    // Nothing goes out before the first byte has said whether the link is TLS, nor while the
+    // handshake runs; what is queued meanwhile goes once it is done.
+    if (writing_ || stopped_ || transport_ == Transport::kUndecided || handshaking_) {
         return;
     }
     writing_ = true;
+    if (tls_) {
+        // Written from the event loop: by then a fan-out has queued all it had, and the frames
+        // go together in one record.
+        asio::post(socket_.get_executor(), [self = shared_from_this()] { self->writeTls(); });
+        return;
+    }
     // Started here: a write never completes inside its own initiation, so the caller (walking a
     // channel's members, say) is never called back from this.
     writeSome();
@@ -196,18 +222,150 @@ void Connection::waitReadable() {
                                self->stop(error.message());
                                return;
                            }
-                           self->spawn(self->readBurst());
+                           if (self->transport_ == Transport::kUndecided && !self->classify()) {
+                               return;
+                           }
+                           if (self->handshaking_) {
+                               self->continueHandshake();
+                               return;
+                           }
+                           self->resumeReading();
                        });
+}
+
+void Connection::waitWritableThen(void (Connection::*next)()) {
+    socket_.async_wait(asio::ip::tcp::socket::wait_write,
+                       [self = shared_from_this(), next](const asio::error_code& error) {
+                           if (self->stopped_) {
+                               return;
+                           }
+                           if (error) {
+                               self->stop(error.message());
+                               return;
+                           }
+                           ((*self).*next)();
+                       });
+}
+
+bool Connection::classify() {
+    unsigned char first = 0;
+    const ssize_t peeked = ::recv(socket_.native_handle(), &first, 1, MSG_PEEK | MSG_DONTWAIT);
+    if (peeked == 0) {
+        stop("closed by the client");
+        return false;
+    }
+    if (peeked < 0) {
+        if (errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR) {
+            waitReadable();
+        } else {
+            stop(std::strerror(errno));
+        }
+        return false;
+    }
+    if (first != kTlsHandshakeRecord) {
+        decidePlain();
+        return true;
+    }
+    try {
+        tls_ = std::make_unique<TlsSession>(std::move(tlsContext_), socket_.native_handle());
+    } catch (const std::bad_alloc&) {
+        stop("no memory for TLS");
+        return false;
+    }
+    transport_ = Transport::kTls;
+    handshaking_ = true;
+    clock_.cancel();  // plans again, now with the handshake's deadline
+    return true;
+}
+
+void Connection::decidePlain() {
+    transport_ = Transport::kPlain;
+    tlsContext_.reset();
+    if (!queue_.empty()) {
+        startWriting();
+    }
+}
+
+void Connection::continueHandshake() {
+    const TlsSession::Result result = tls_->handshake();
+    switch (result.status) {
+        case TlsSession::Status::kDone:
+            handshaking_ = false;
+            logFromPeer("encrypted " + peerAddress_ + ": " + tls_->protocol() + " " +
+                        tls_->cipher());
+            if (!queue_.empty()) {
+                startWriting();
+            }
+            resumeReading();  // the client's first frames may have come with its last flight
+            return;
+        case TlsSession::Status::kWantRead:
+            waitReadable();
+            return;
+        case TlsSession::Status::kWantWrite:
+            waitWritableThen(&Connection::continueHandshake);
+            return;
+        case TlsSession::Status::kClosed:
+            stop("closed during the TLS handshake");
+            return;
+        case TlsSession::Status::kFailed:
+            stop("TLS handshake failed: " + tls_->failure());
+            return;
+    }
+}
+
+void Connection::resumeReading() {
+    spawn(readBurst());
 }
 
 asio::awaitable<void> Connection::readBurst() {
     auto self = shared_from_this();
-    if (co_await readAvailable()) {
-        waitReadable();
+    switch (co_await readAvailable()) {
+        case ReadEnd::kWaitRead:
+            waitReadable();
+            break;
+        case ReadEnd::kWaitWrite:
+            waitWritableThen(&Connection::resumeReading);
+            break;
+        case ReadEnd::kEnded:
+            break;
     }
 }
 
-asio::awaitable<bool> Connection::readAvailable() {
+Connection::ReadEnd Connection::readSome(char* data, std::size_t size, std::size_t& count) {
+    count = 0;
+    if (tls_) {
+        const TlsSession::Result result = tls_->read(data, size);
+        switch (result.status) {
+            case TlsSession::Status::kDone:
+                count = result.bytes;
+                return ReadEnd::kWaitRead;
+            case TlsSession::Status::kWantRead:
+                return ReadEnd::kWaitRead;
+            case TlsSession::Status::kWantWrite:
+                return ReadEnd::kWaitWrite;
+            case TlsSession::Status::kClosed:
+                stop("closed by the client");
+                return ReadEnd::kEnded;
+            case TlsSession::Status::kFailed:
+                stop("TLS: " + tls_->failure());
+                return ReadEnd::kEnded;
+        }
+    }
+    asio::error_code error;
+    count = socket_.read_some(asio::buffer(data, size), error);
+    if (error == asio::error::would_block || error == asio::error::try_again) {
+        count = 0;
+        return ReadEnd::kWaitRead;
+    }
+    if (error) {
+        count = 0;
+        stop(error == asio::error::eof ? "closed by the client" : error.message());
+        return ReadEnd::kEnded;
+    }
+    return ReadEnd::kWaitRead;
+}
+
+asio::awaitable<Connection::ReadEnd> Connection::readAvailable() {
     // Until the password is accepted a read takes little more than one short frame, so that what
     // an unknown client can make the server hold stays small.
     while (!stopped_) {
@@ -216,14 +374,10 @@ asio::awaitable<bool> Connection::readAvailable() {
                                       : std::clamp<std::size_t>(config_.maxPayloadBeforeLogin + 10,
                                                                 kSmallestReadChunk, kReadChunk);
         auto& buffer = sharedReadBuffer();
-        asio::error_code error;
-        const std::size_t count = socket_.read_some(asio::buffer(buffer.data(), chunk), error);
-        if (error == asio::error::would_block || error == asio::error::try_again) {
-            co_return true;
-        }
-        if (error) {
-            stop(error == asio::error::eof ? "closed by the client" : error.message());
-            co_return false;
+        std::size_t count = 0;
+        const ReadEnd end = readSome(buffer.data(), chunk, count);
+        if (count == 0) {
+            co_return end;
         }
         if (finishing_) {
             // Closing: what the client still sends is read and thrown away, so that our close
@@ -236,11 +390,11 @@ asio::awaitable<bool> Connection::readAvailable() {
             Log::warn("memory budget spent: dropped " + peerAddress_ + " holding " +
                       std::to_string(cutter_.BufferedBytes() + inboundBytes_) + " bytes");
             stop("server memory budget spent");
-            co_return false;
+            co_return ReadEnd::kEnded;
         }
         co_await takeBufferedFrames();
     }
-    co_return false;
+    co_return ReadEnd::kEnded;
 }
 
 asio::awaitable<void> Connection::takeBufferedFrames() {
@@ -374,10 +528,68 @@ void Connection::writeSome() {
         });
 }
 
+void Connection::writeTls() {
+    if (stopped_) {
+        return;
+    }
+    auto& record = sharedTlsWriteBuffer();
+    while (!queue_.empty()) {
+        const std::size_t wanted = tlsRetryLength_ != 0 ? tlsRetryLength_ : record.size();
+        std::size_t length = 0;
+        std::size_t offset = tlsFrontOffset_;
+        for (std::size_t i = 0; i < queue_.size() && length < wanted; ++i) {
+            const std::string& frame = queue_.at(i);
+            const std::size_t take = std::min(frame.size() - offset, wanted - length);
+            std::memcpy(record.data() + length, frame.data() + offset, take);
+            length += take;
+            offset = 0;
+        }
+        const TlsSession::Result result = tls_->write(record.data(), length);
+        if (result.status == TlsSession::Status::kDone) {
+            tlsRetryLength_ = 0;
+            consumeWritten(result.bytes);
+            continue;
+        }
+        if (result.status == TlsSession::Status::kWantWrite) {
+            // OpenSSL holds the record it made; the repeat must offer the same bytes again.
+            tlsRetryLength_ = length;
+            chargeMemory();
+            waitWritableThen(&Connection::writeTls);
+            return;
+        }
+        stop(result.status == TlsSession::Status::kWantRead ? "TLS wanted to read while writing"
+                                                            : "TLS: " + tls_->failure());
+        return;
+    }
+    chargeMemory();
+    if (finishing_) {
+        tls_->shutdown();
+        asio::error_code ignored;
+        socket_.shutdown(asio::ip::tcp::socket::shutdown_send, ignored);
+    }
+    writing_ = false;
+}
+
+void Connection::consumeWritten(std::size_t count) {
+    while (count > 0 && !queue_.empty()) {
+        const std::size_t rest = queue_.front().size() - tlsFrontOffset_;
+        if (count < rest) {
+            tlsFrontOffset_ += count;
+            return;
+        }
+        count -= rest;
+        tlsFrontOffset_ = 0;
+        queue_.pop(1);
+    }
+}
+
 void Connection::scheduleClock() {
     auto wake = nextPing_;
     if (!loginChecked_) {
         wake = std::min(wake, loginDeadline_);
+    }
+    if (handshaking_) {
+        wake = std::min(wake, handshakeDeadline_);
     }
     if (finishing_) {
         wake = std::min(wake, finishDeadline_);
@@ -403,8 +615,15 @@ void Connection::tick(std::chrono::steady_clock::time_point now) {
         }
         return;  // no pings for a closing link
     }
+    if (handshaking_ && now >= handshakeDeadline_) {
+        stop("no TLS handshake in time");
+        return;
+    }
     if (!loginChecked_ && now >= loginDeadline_) {
         loginChecked_ = true;
+        if (transport_ == Transport::kUndecided) {
+            decidePlain();  // silent all along: told in the plain protocol
+        }
         if (!handler_->loggedIn()) {
             send(replies::kNotice, "You did not log in in time. Please connect again.");
             finish("login time-out");

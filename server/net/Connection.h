@@ -16,6 +16,7 @@
 #include "server/net/FrameRateLimiter.h"
 #include "server/net/MemoryBudget.h"
 #include "server/net/OutgoingQueue.h"
+#include "server/net/TlsSession.h"
 
 namespace tavren::server {
 
@@ -27,6 +28,13 @@ namespace tavren::server {
 // and the work it left behind is skipped. Each coroutine holds the connection alive; stop()
 // closes the socket and wakes them all, and the connection is gone once the last has returned.
 //
+// With TLS offered (a context given), the first byte the client sends decides: a TLS handshake
+// record makes the connection encrypted, anything else is the plain protocol as it always was.
+// The handshake must be done within `tls.handshakeTimeout` of the connection's start. TLS runs
+// over the same non-blocking socket (TlsSession): reading and the clock are as for plain links;
+// writing copies up to one record's worth of queued frames into the thread's scratch buffer,
+// so that a member of a busy channel gets few large records instead of one per line.
+//
 // Memory per connection is bounded and small while idle: bytes are read into one buffer that all
 // connections of the thread share and kept only as far as they belong to an unfinished frame;
 // frames are short until the password has been accepted; requests waiting to be handled are
@@ -35,7 +43,8 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
   public:
     Connection(asio::ip::tcp::socket socket, const ServerConfig& config,
                const FrameHandlerFactory& makeHandler, AddressLimiter::Slot slot,
-               MemoryBudget& memory, std::string peerAddress, std::string addressGroup);
+               MemoryBudget& memory, std::string peerAddress, std::string addressGroup,
+               std::shared_ptr<const TlsContext> tls = nullptr);
 
     void start();
     // Closes at once, without writing what is queued. Safe to call more than once.
@@ -46,6 +55,7 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     void finish(std::string_view reason) override;
     const std::string& peerAddress() const override { return peerAddress_; }
     const std::string& addressGroup() const override { return addressGroup_; }
+    bool encrypted() const override { return tls_ && !handshaking_; }
 
   private:
     // Frames read but not yet handled; the reader stops reading while this many wait.
@@ -58,17 +68,35 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
     // stream reaches a frame boundary.
     static constexpr std::size_t kLargeFrame = 64 * 1024;
 
+    enum class Transport { kUndecided, kPlain, kTls };
+    // What a read ended on: nothing more for now, TLS needing to write first, or the end.
+    enum class ReadEnd { kWaitRead, kWaitWrite, kEnded };
+
     // Waits for bytes with a plain handler; a coroutine runs only while they are being taken.
     void waitReadable();
+    void waitWritableThen(void (Connection::*next)());
+    // Looks at the first byte without taking it; false when it is not there yet (or the
+    // connection ended).
+    bool classify();
+    void decidePlain();
+    void continueHandshake();
+    void resumeReading();
     asio::awaitable<void> readBurst();
-    // Reads what the socket holds; false when the connection ended.
-    asio::awaitable<bool> readAvailable();
+    // Reads what the socket holds.
+    asio::awaitable<ReadEnd> readAvailable();
+    // One read from the socket or through TLS; kWaitRead/kWaitWrite with `count` 0 when nothing
+    // came, kEnded when the connection ended (stopped here).
+    ReadEnd readSome(char* data, std::size_t size, std::size_t& count);
     asio::awaitable<void> takeBufferedFrames();
     asio::awaitable<void> handleLoop();
     asio::awaitable<void> waitFor(asio::steady_timer& signal);
     // Writes the next batch of the queue, with a plain handler: a member of a busy channel starts
     // a write for nearly every line, and a coroutine for each would cost more than the write.
     void writeSome();
+    // The same through TLS: records of up to 16 KiB from the queue, until the socket is full.
+    void writeTls();
+    // Takes `count` written bytes off the front of the queue.
+    void consumeWritten(std::size_t count);
     // The clock waits with a plain handler, not a coroutine: it is what every idle connection
     // has pending, so it should cost little.
     void scheduleClock();
@@ -86,6 +114,13 @@ class Connection : public ClientLink, public std::enable_shared_from_this<Connec
 
     asio::ip::tcp::socket socket_;
     const ServerConfig& config_;
+    std::shared_ptr<const TlsContext> tlsContext_;  // until the first byte has decided
+    std::unique_ptr<TlsSession> tls_;
+    Transport transport_;
+    bool handshaking_ = false;
+    std::chrono::steady_clock::time_point handshakeDeadline_;
+    std::size_t tlsFrontOffset_ = 0;  // bytes of the queue's first frame already written
+    std::size_t tlsRetryLength_ = 0;  // a write that waits for the socket repeats this many
     const FrameHandlerFactory& makeHandler_;
     std::optional<AddressLimiter::Slot> slot_;
     std::string peerAddress_;

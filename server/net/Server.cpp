@@ -18,6 +18,7 @@
 #include "server/net/AddressGroup.h"
 #include "server/net/Connection.h"
 #include "server/net/OpenFileLimit.h"
+#include "server/net/TlsCredentials.h"
 
 namespace tavren::server {
 
@@ -150,7 +151,8 @@ void Server::admit(asio::ip::tcp::socket socket) {
     forgetEndedConnections();
     auto connection = std::make_shared<Connection>(
         std::move(socket), config_, makeHandler_, std::move(*slot), memory_,
-        peer.address().to_string() + ":" + std::to_string(peer.port()), group);
+        peer.address().to_string() + ":" + std::to_string(peer.port()), group,
+        tls_ ? tls_->current() : nullptr);
     connections_.push_back(connection);
     connection->start();
 }

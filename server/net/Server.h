@@ -16,6 +16,7 @@
 namespace tavren::server {
 
 class Connection;
+class TlsCredentials;
 
 // The listening socket and the connections. Binds in the constructor (throws std::system_error
 // when the address is taken), accepts once started, gives each connection a handler from
@@ -35,6 +36,9 @@ class Server {
     asio::ip::tcp::endpoint localEndpoint() const { return acceptor_.local_endpoint(); }
     void start();
     void stop();
+    // Connections that open with a TLS handshake are encrypted with the credentials' current
+    // certificate; without credentials (tests of the plain protocol) every connection is plain.
+    void setTls(const TlsCredentials* credentials) { tls_ = credentials; }
 
     // The connection cap in force: the configured one, lowered to fit the open-file limit.
     std::size_t connectionCap() const { return connectionCap_; }
@@ -60,6 +64,7 @@ class Server {
     std::vector<std::weak_ptr<Connection>> connections_;
     std::size_t forgetAt_ = 64;
     std::size_t lingering_ = 0;  // refused sockets waiting for their client to close
+    const TlsCredentials* tls_ = nullptr;
     int spareDescriptor_ = -1;
     bool stopped_ = false;
 };

@@ -148,6 +148,13 @@ void SessionHandler::onVersion(const protocol::Frame& frame) {
 }
 
 asio::awaitable<void> SessionHandler::onCredentials(const std::string& payload) {
+    if (services_.config.tls.required && !link_.encrypted()) {
+        // Before any password work: the password crossed in clear, and nothing is done with it.
+        Log::infoFrom(link_.addressGroup(), "plain login refused from " + link_.peerAddress());
+        link_.send(replies::kLoginResult, replies::kEncryptionRequired);
+        link_.finish("encryption required");
+        co_return;
+    }
     const auto fields = SplitFields(payload, protocol::kFieldSeparator, 2);
     const std::string name(FieldAt(fields, 0));
     const std::string password(FieldAt(fields, 1));
@@ -222,6 +229,14 @@ void SessionHandler::onLoginConfirmed() {
 }
 
 asio::awaitable<void> SessionHandler::onSignUp(const std::string& payload) {
+    if (services_.config.tls.required && !link_.encrypted()) {
+        Log::infoFrom(link_.addressGroup(), "plain sign-up refused from " + link_.peerAddress());
+        link_.send(replies::kSignUpResult, protocol::JoinFields({replies::kAccountCreationError,
+                                                                 replies::kEncryptionRequired},
+                                                                protocol::kFieldSeparator));
+        link_.finish("encryption required");
+        co_return;
+    }
     if (accountCreated_) {
         refuseSignUp("", "One new account per connection.");
         co_return;

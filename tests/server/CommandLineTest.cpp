@@ -18,12 +18,28 @@ TEST(CommandLineTest, AnIPv6ListenAddressFractionalSecondsAndADefaultDatabase) {
 }
 
 TEST(CommandLineTest, NonsenseIsRefusedWithAReason) {
-    for (const char* line :
-         {"--listen 5678", "--listen host:99999", "--listen :5678", "--ping-interval 0",
-          "--ping-interval nan", "--ping-interval 1e9", "--max-payload 2000000",
-          "--min-version 1.2", "--db", "--no-such-option 1", "account add Alice",
-          "account remove Alice pw", "--staff 2", "account add A pw12 --staff 4", "stray",
-          "--max-channel-members 40001", "--channel @Staff", "--flood-interval 0"}) {
+    for (const char* line : {"--listen 5678",
+                             "--listen host:99999",
+                             "--listen :5678",
+                             "--ping-interval 0",
+                             "--ping-interval nan",
+                             "--ping-interval 1e9",
+                             "--max-payload 2000000",
+                             "--min-version 1.2",
+                             "--db",
+                             "--no-such-option 1",
+                             "account add Alice",
+                             "account remove Alice pw",
+                             "--staff 2",
+                             "account add A pw12 --staff 4",
+                             "stray",
+                             "--max-channel-members 40001",
+                             "--channel @Staff",
+                             "--flood-interval 0",
+                             "--tls-cert a.pem",
+                             "--tls-key k.pem fingerprint",
+                             "fingerprint now",
+                             "--tls-handshake-time 0"}) {
         std::istringstream words(line);
         std::vector<std::string> arguments;
         for (std::string word; words >> word;) {
@@ -31,6 +47,21 @@ TEST(CommandLineTest, NonsenseIsRefusedWithAReason) {
         }
         EXPECT_THROW(CommandLine::parse(arguments), CommandLineError) << line;
     }
+}
+
+// --require-tls is the one option without a value; the fingerprint command takes the
+// certificate options like serving does.
+TEST(CommandLineTest, EncryptionOptionsAndTheFingerprintCommand) {
+    const auto serve = CommandLine::parse({"--require-tls", "--tls-handshake-time", "2.5"});
+    EXPECT_EQ(serve.mode, CommandLine::Mode::kServe);
+    EXPECT_TRUE(serve.config.tls.required);
+    EXPECT_EQ(serve.config.tls.handshakeTimeout, std::chrono::milliseconds(2500));
+    const auto print =
+        CommandLine::parse({"--tls-cert", "c.pem", "fingerprint", "--tls-key", "k.pem"});
+    EXPECT_EQ(print.mode, CommandLine::Mode::kFingerprint);
+    EXPECT_EQ(print.config.tls.certificateFile, "c.pem");
+    EXPECT_EQ(print.config.tls.keyFile, "k.pem");
+    EXPECT_FALSE(print.config.tls.required);
 }
 
 TEST(CommandLineTest, OfficialChannelsAddUpWithoutDuplicatesInAnyCase) {

@@ -3,18 +3,24 @@
 #include <arpa/inet.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
+#include <openssl/ssl.h>
+#include <openssl/x509.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <stdexcept>
 
 #include "core/protocol/Catalogue.h"
+#include "tls/CertificateFingerprint.h"
 
 namespace tavren::test {
 
 RawClient::RawClient(std::uint16_t port, int receiveBuffer, const char* sourceAddress) {
+    // OpenSSL writes with write(2), which raises SIGPIPE on a connection the server closed.
+    signal(SIGPIPE, SIG_IGN);
     fd_ = socket(AF_INET, SOCK_STREAM, 0);
     if (receiveBuffer > 0) {
         setsockopt(fd_, SOL_SOCKET, SO_RCVBUF, &receiveBuffer, sizeof receiveBuffer);
@@ -39,7 +45,42 @@ RawClient::RawClient(std::uint16_t port, int receiveBuffer, const char* sourceAd
 }
 
 RawClient::~RawClient() {
+    SSL_free(tls_);
+    SSL_CTX_free(tlsContext_);
     close(fd_);
+}
+
+std::optional<std::string> RawClient::startTls() {
+    tlsContext_ = SSL_CTX_new(TLS_client_method());
+    tls_ = SSL_new(tlsContext_);
+    SSL_set_fd(tls_, fd_);
+    if (SSL_connect(tls_) != 1) {
+        SSL_free(tls_);
+        tls_ = nullptr;
+        return std::nullopt;
+    }
+    X509* certificate = SSL_get1_peer_certificate(tls_);
+    if (certificate == nullptr) {
+        return std::nullopt;
+    }
+    unsigned char* der = nullptr;
+    const int length = i2d_X509(certificate, &der);
+    std::string fingerprint = tls::CertificateFingerprint::ofDer(
+        std::string_view(reinterpret_cast<const char*>(der), static_cast<std::size_t>(length)));
+    OPENSSL_free(der);
+    X509_free(certificate);
+    return fingerprint;
+}
+
+std::string RawClient::tlsProtocol() const {
+    return tls_ ? SSL_get_version(tls_) : "";
+}
+
+long RawClient::receive(char* buffer, std::size_t size) {
+    if (tls_) {
+        return SSL_read(tls_, buffer, static_cast<int>(size));
+    }
+    return recv(fd_, buffer, size, 0);
 }
 
 void RawClient::send(protocol::CodePair code, std::string_view payload) {
@@ -48,7 +89,8 @@ void RawClient::send(protocol::CodePair code, std::string_view payload) {
 
 void RawClient::sendRaw(std::string_view bytes) {
     while (!bytes.empty()) {
-        const ssize_t sent = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+        const ssize_t sent = tls_ ? SSL_write(tls_, bytes.data(), static_cast<int>(bytes.size()))
+                                  : ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (sent <= 0) {
             return;  // the server has gone; reading will tell the test
         }
@@ -80,11 +122,13 @@ std::optional<protocol::Frame> RawClient::next(std::chrono::milliseconds timeout
         const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
             deadline - std::chrono::steady_clock::now());
         pollfd poller{fd_, POLLIN, 0};
-        if (closed_ || left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
+        const bool decrypted = tls_ != nullptr && SSL_pending(tls_) > 0;
+        if (closed_ || left.count() <= 0 ||
+            (!decrypted && poll(&poller, 1, static_cast<int>(left.count())) <= 0)) {
             return std::nullopt;
         }
         char buffer[8192];
-        const ssize_t count = recv(fd_, buffer, sizeof buffer, 0);
+        const long count = receive(buffer, sizeof buffer);
         closed_ = count <= 0;  // orderly close or reset, the same to a test
         if (closed_) {
             return std::nullopt;
@@ -112,6 +156,21 @@ bool RawClient::waitClosed(std::chrono::milliseconds timeout) {
             deadline - std::chrono::steady_clock::now()));
     }
     return closed_;
+}
+
+bool RawClient::waitHangUp(std::chrono::milliseconds timeout) {
+    const auto deadline = std::chrono::steady_clock::now() + timeout;
+    while (!closed_) {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(
+            deadline - std::chrono::steady_clock::now());
+        pollfd poller{fd_, POLLIN, 0};
+        if (left.count() <= 0 || poll(&poller, 1, static_cast<int>(left.count())) <= 0) {
+            return false;
+        }
+        char buffer[4096];
+        closed_ = recv(fd_, buffer, sizeof buffer, 0) <= 0;
+    }
+    return true;
 }
 
 }  // namespace tavren::test

@@ -11,6 +11,9 @@
 #include "core/protocol/Frame.h"
 #include "core/protocol/FrameCutter.h"
 
+typedef struct ssl_st SSL;
+typedef struct ssl_ctx_st SSL_CTX;
+
 namespace tavren::test {
 
 // A blocking loopback client that speaks frames byte for byte, so tests can say exactly what a
@@ -27,6 +30,12 @@ class RawClient {
     RawClient(const RawClient&) = delete;
     RawClient& operator=(const RawClient&) = delete;
 
+    // Runs a TLS handshake on the connection (trusting any certificate: tests compare its
+    // fingerprint themselves); from then on frames travel encrypted. Returns the server
+    // certificate's SHA-256 fingerprint, or nothing when the handshake failed.
+    std::optional<std::string> startTls();
+    std::string tlsProtocol() const;
+
     void send(protocol::CodePair code, std::string_view payload);
     void sendRaw(std::string_view bytes);
 
@@ -38,6 +47,8 @@ class RawClient {
                            std::chrono::milliseconds timeout = std::chrono::seconds(5));
     // Reads and throws away frames until the server closes; false if it has not closed in time.
     bool waitClosed(std::chrono::milliseconds timeout = std::chrono::seconds(5));
+    // Reads and throws away whatever comes (a TLS alert, say) until the server closes.
+    bool waitHangUp(std::chrono::milliseconds timeout = std::chrono::seconds(5));
     // True once the server has closed the connection (as seen by the last read).
     bool closed() const { return closed_; }
 
@@ -48,7 +59,12 @@ class RawClient {
     int pingsSeen() const { return pingsSeen_; }
 
   private:
+    // One read into `buffer`; <= 0 when the server closed or the link failed.
+    long receive(char* buffer, std::size_t size);
+
     int fd_ = -1;
+    SSL_CTX* tlsContext_ = nullptr;
+    SSL* tls_ = nullptr;
     protocol::FrameCutter cutter_;
     std::vector<protocol::CodePair> ignored_;
     bool answerPings_ = true;

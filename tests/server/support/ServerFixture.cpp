@@ -19,10 +19,20 @@ void ServerFixture::startServer(std::vector<std::string> extraArguments) {
     // Every test client comes from 127.0.0.1, so the per-address rations of connections, sign-ups
     // and failed logins are wide here; the tests of those limits narrow them again (a later
     // option wins).
-    std::vector<std::string> arguments{"--db", database_.string(), "--ping-interval", "1",
-                                       "--connect-rate", "100000", "--connect-burst", "10000",
-                                       "--signups-per-hour", "100000", "--login-failures",
-                                       "100000", "--max-password-jobs-per-address", "100"};
+    std::vector<std::string> arguments{"--db",
+                                       database_.string(),
+                                       "--ping-interval",
+                                       "1",
+                                       "--connect-rate",
+                                       "100000",
+                                       "--connect-burst",
+                                       "10000",
+                                       "--signups-per-hour",
+                                       "100000",
+                                       "--login-failures",
+                                       "100000",
+                                       "--max-password-jobs-per-address",
+                                       "100"};
     arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     server_ = std::make_unique<TavrendProcess>(arguments, folder_ / "tavrend.log");
 }
@@ -40,7 +50,11 @@ void ServerFixture::addAccount(const std::string& name, const std::string& passw
 }
 
 std::unique_ptr<RawClient> ServerFixture::connect(int receiveBuffer) {
-    return std::make_unique<RawClient>(server_->port(), receiveBuffer);
+    auto client = std::make_unique<RawClient>(server_->port(), receiveBuffer);
+    if (encryptClients_) {
+        EXPECT_TRUE(client->startTls()) << "no TLS handshake";
+    }
+    return client;
 }
 
 std::unique_ptr<RawClient> ServerFixture::greet(const std::string& version, int receiveBuffer) {
@@ -52,8 +66,8 @@ std::unique_ptr<RawClient> ServerFixture::greet(const std::string& version, int 
 }
 
 std::unique_ptr<RawClient> ServerFixture::logIn(const std::string& name,
-                                                const std::string& password) {
-    auto client = greet();
+                                                const std::string& password, int receiveBuffer) {
+    auto client = greet("1.0.0", receiveBuffer);
     client->send(in::kCredentials, name + ":" + password);
     client->expect(out::kAccountRefresh);
     client->send(in::kAccountRefreshOk, "OK");
@@ -72,8 +86,8 @@ std::unique_ptr<RawClient> ServerFixture::logIn(const std::string& name,
     return client;
 }
 
-std::unique_ptr<RawClient> ServerFixture::member(const std::string& name) {
-    auto client = logIn(name, "secret1");
+std::unique_ptr<RawClient> ServerFixture::member(const std::string& name, int receiveBuffer) {
+    auto client = logIn(name, "secret1", receiveBuffer);
     client->ignore(out::kOnlineCount);
     client->ignore(kMessageOfTheDay);
     return client;
