@@ -83,6 +83,7 @@ void Settings::load() {
     showTools_ = readFlag(G, "ShowTools", true);
 
     v.useProxy = readFlag(G, "useproxy", v.useProxy);
+    v.tls = readFlag(G, "tls", v.tls);
     nickname_ = store_.value(general, nicknameKey());
     v.autoLogin = readFlag(G, "autologin", v.autoLogin);
     v.autoScroll = readInt("AutoScroll", v.autoScroll, SV::AutoScrollMin, SV::AutoScrollMax);
@@ -181,6 +182,7 @@ bool Settings::save() {
     writeFlag("underline", v.underline);
     writeFlag("bold", v.bold);
     writeFlag("useproxy", v.useProxy);
+    writeFlag("tls", v.tls);
     write(G, QStringLiteral("proxyhost"), v.proxyHost);
     write(G, QStringLiteral("proxyport"), v.proxyPort);
     write(G, QStringLiteral("serverhost"), v.serverHost);
@@ -241,6 +243,15 @@ QString Settings::userString() const {
 
 void Settings::setUserString(const QString& text) {
     store_.setValue(QString::fromLatin1(SettingsStore::Users), QStringLiteral("UserString"), text);
+    store_.sync();
+}
+
+QString Settings::knownServer(const QString& hostAndPort) const {
+    return store_.value(QString::fromLatin1(SettingsStore::KnownServers), hostAndPort);
+}
+
+void Settings::setKnownServer(const QString& hostAndPort, const QString& fingerprint) {
+    store_.setValue(QString::fromLatin1(SettingsStore::KnownServers), hostAndPort, fingerprint);
     store_.sync();
 }
 

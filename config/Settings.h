@@ -65,6 +65,10 @@ class Settings : public QObject {
     // Saved accounts, kept as one text whose layout belongs to the login window.
     QString userString() const;
     void setUserString(const QString& text);
+    // The certificate fingerprint the member accepted for a server ("host:port"), or empty.
+    // Kept for servers whose certificate no authority the system trusts vouches for.
+    QString knownServer(const QString& hostAndPort) const;
+    void setKnownServer(const QString& hostAndPort, const QString& fingerprint);
     // Whether the user asked not to be reminded again of the update to `version`.
     bool isNagSuppressed(const QString& version) const;
     void suppressNag(const QString& version);

@@ -23,6 +23,7 @@ class SettingsStore {
     static constexpr const char* Sounds = "Sounds";
     static constexpr const char* Sizes = "Sizes";
     static constexpr const char* Users = "Users";
+    static constexpr const char* KnownServers = "KnownServers";
 
     SettingsStore();
     // An INI file at this path, whatever the environment says.

@@ -45,6 +45,8 @@ struct SettingsValues {
     QStringList serverHostChoices = defaultServerHostChoices();
     QString serverPort = defaultServerPort();
     QStringList serverPortChoices = defaultServerPortChoices();
+    // The connection to the server is encrypted (TLS); off only for servers that cannot.
+    bool tls = true;
 
     // Windows.
     bool trans = false;  // windows drawn translucent
@@ -71,7 +73,9 @@ struct SettingsValues {
     // Web services: the weather service's address ("{code}" stands for the postal code), the
     // radio station's stream and where its "now playing" information is (empty: the status page
     // of the station's own server).
-    static QString defaultWeatherUrl() { return QStringLiteral("https://wttr.in/{code}?format=j1"); }
+    static QString defaultWeatherUrl() {
+        return QStringLiteral("https://wttr.in/{code}?format=j1");
+    }
     static QString defaultRadioStation() {
         return QStringLiteral("https://ice1.somafm.com/groovesalad-128-mp3");
     }

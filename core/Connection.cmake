@@ -28,6 +28,7 @@ target_sources(tavren_session PRIVATE
     ${CMAKE_CURRENT_SOURCE_DIR}/ServerConsole.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ServerDispatcher.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ServerLink.cpp
+    ${CMAKE_CURRENT_SOURCE_DIR}/ServerTrust.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/ServerSession.cpp
     ${CMAKE_CURRENT_SOURCE_DIR}/WireText.cpp
 )

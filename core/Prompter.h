@@ -28,6 +28,11 @@ class Prompter {
                                      std::function<void(Answer)> answered) {
         answered(askYesNoCancel(text, title));
     }
+    // A yes-or-no question the same way; "No" is the default button.
+    virtual void askYesNoLater(const QString& text, const QString& title,
+                               std::function<void(Answer)> answered) {
+        answered(askYesNo(text, title));
+    }
     virtual std::optional<QString> askText(const QString& prompt, const QString& title,
                                            const QString& defaultText) = 0;
 };

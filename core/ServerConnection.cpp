@@ -26,13 +26,25 @@ ServerConnection::ServerConnection(Settings& settings, Prompter& prompter, Error
       errorLog_(errorLog),
       link_(link),
       options_(options),
+      trust_(settings),
       watchdog_(options.watchdogIntervalMs) {
     connectTimer_.setSingleShot(true);
     connectTimer_.setInterval(options.connectTimeoutMs);
     connect(&connectTimer_, &QTimer::timeout, this, [this] {
+        const bool handshaking = link_.handshaking();
         link_.close();
+        if (handshaking) {
+            onEncryptionFailed(tr("no answer to the encrypted handshake"));
+            return;
+        }
         reportFailure(QAbstractSocket::SocketTimeoutError, QStringLiteral("Connection timed out"));
     });
+    link_.setCertificateJudge(
+        [this](const QSslCertificate& certificate, const QList<QSslError>& errors) {
+            return judgeCertificate(certificate, errors);
+        });
+    connect(&link_, &ServerLink::encryptionFailed, this, &ServerConnection::onEncryptionFailed);
+    connect(&link_, &ServerLink::certificateRefused, this, &ServerConnection::onCertificateRefused);
     connect(&link_, &ServerLink::connected, this, &ServerConnection::onConnected);
     connect(&link_, &ServerLink::tunnelUp, this, &ServerConnection::onReady);
     connect(&link_, &ServerLink::failed, this, &ServerConnection::onLinkFailed);
@@ -50,6 +62,7 @@ bool ServerConnection::autoReloginEnabled() const {
 }
 
 bool ServerConnection::ConnectToServer() {
+    ++attempt_;
     link_.close();
     connectTimer_.stop();
     watchdog_.stop();
@@ -63,12 +76,133 @@ bool ServerConnection::ConnectToServer() {
     phase_ = Phase::Connecting;
     lastFrameWasNotice_ = false;
     connectTimer_.start();
-    link_.connectTo(target_.host, target_.port, target_.viaProxy);
+    link_.connectTo(target_.host, target_.port, target_.viaProxy,
+                    settings_.values().tls ? serverName() : QString());
     return true;
 }
 
+QString ServerConnection::serverName() const {
+    return target_.viaProxy ? options_.tunnelHost : target_.host;
+}
+
+quint16 ServerConnection::serverPort() const {
+    return target_.viaProxy ? options_.tunnelPort : target_.port;
+}
+
+bool ServerConnection::encrypted() const {
+    return phase_ == Phase::Up && link_.isEncrypted();
+}
+
+QString ServerConnection::encryptionDetails() const {
+    if (phase_ != Phase::Up) {
+        return QString();
+    }
+    if (!link_.isEncrypted()) {
+        return tr(
+            "Not encrypted: what you send can be read on the way to the server. Turn on "
+            "\"Encrypted connection (TLS)\" in the settings to encrypt it.");
+    }
+    return tr("Encrypted (%1)\nServer certificate SHA-256:\n%2")
+        .arg(link_.protocolName(), ServerTrust::fingerprintOf(link_.peerCertificate()));
+}
+
+bool ServerConnection::judgeCertificate(const QSslCertificate& certificate,
+                                        const QList<QSslError>& errors) {
+    const QString key = ServerTrust::keyFor(serverName(), serverPort());
+    return trust_.check(key, certificate, errors).verdict == ServerTrust::Verdict::Trusted;
+}
+
+void ServerConnection::onEncryptionFailed(const QString& reason) {
+    if (phase_ == Phase::Closed) {
+        return;
+    }
+    const QString where = serverName() + QLatin1Char(':') + QString::number(serverPort());
+    const QString text =
+        tr("Could not make an encrypted connection to %1: %2.\n\nThe server may be an older one "
+           "that does not offer encryption, or too busy to answer. To connect without "
+           "encryption, turn off \"Encrypted connection (TLS)\" on the Server page of Tavren > "
+           "Settings..")
+            .arg(where, reason);
+    reportProblem(text, text);
+}
+
+void ServerConnection::onCertificateRefused(const QSslCertificate& certificate,
+                                            const QList<QSslError>& errors) {
+    if (phase_ == Phase::Closed) {
+        return;
+    }
+    const QString key = ServerTrust::keyFor(serverName(), serverPort());
+    const ServerTrust::Check check = trust_.check(key, certificate, errors);
+    if (check.verdict == ServerTrust::Verdict::Refused) {
+        const QString text =
+            tr("The certificate of %1 cannot be used: %2. Not connected.")
+                .arg(serverName() + QLatin1Char(':') + QString::number(serverPort()),
+                     check.reasons);
+        reportProblem(text, text);
+        return;
+    }
+    askAboutCertificate(check);
+}
+
+void ServerConnection::askAboutCertificate(const ServerTrust::Check& check) {
+    const QString where = serverName() + QLatin1Char(':') + QString::number(serverPort());
+    const QString key = ServerTrust::keyFor(serverName(), serverPort());
+    enterClosed();
+    lastProblem_ = tr("The server's certificate waits for your decision.");
+    if (questionOpenFor_ == check.fingerprint) {
+        // Asked already (an automatic reconnect came round again): one question is enough.
+        emit connectFailed();
+        return;
+    }
+    QString text;
+    QString title;
+    if (check.verdict == ServerTrust::Verdict::Changed) {
+        title = tr("Server Certificate Changed!");
+        text = tr("WARNING: the certificate of %1 is not the one you trusted before (%2).\n\n"
+                  "Trusted SHA-256 fingerprint:\n%3\n\nNew SHA-256 fingerprint:\n%4\n\n"
+                  "The operator may have replaced it, or somebody may be pretending to be the "
+                  "server to read what you send, your password included. Trust the new "
+                  "certificate only if the operator confirms its fingerprint. Trust it and "
+                  "connect?")
+                   .arg(where, check.reasons, check.known, check.fingerprint);
+    } else {
+        title = tr("Unknown Server Certificate");
+        text = tr("The server %1 identifies itself with a certificate that no authority known to "
+                  "this computer vouches for (%2).\n\nSHA-256 fingerprint:\n%3\n\nIf this is "
+                  "the fingerprint the server's operator gives, the server is the one you mean. "
+                  "Trust it from now on and connect?")
+                   .arg(where, check.reasons, check.fingerprint);
+    }
+    questionOpenFor_ = check.fingerprint;
+    const quint64 attempt = attempt_;
+    prompter_.askYesNoLater(
+        text, title,
+        [this, attempt, key, fingerprint = check.fingerprint](Prompter::Answer answer) {
+            questionOpenFor_.clear();
+            if (attempt != attempt_ || phase_ != Phase::Closed) {
+                return;  // cancelled, or another attempt is on its way
+            }
+            if (answer == Prompter::Answer::Yes) {
+                trust_.remember(key, fingerprint);
+                // Again from the event loop, not from inside the answer (which a prompter that
+                // answers at once gives while the old socket is still reporting its end). The
+                // login flow still waits for the link.
+                QMetaObject::invokeMethod(
+                    this,
+                    [this, attempt] {
+                        if (attempt == attempt_ && phase_ == Phase::Closed) {
+                            ConnectToServer();
+                        }
+                    },
+                    Qt::QueuedConnection);
+                return;
+            }
+            lastProblem_ = tr("Not connected: the server's certificate was not trusted.");
+            emit connectFailed();
+        });
+}
+
 void ServerConnection::onConnected() {
-    connectTimer_.stop();
     clock_.start();
     if (!target_.viaProxy) {
         onReady();
@@ -82,8 +216,10 @@ void ServerConnection::onConnected() {
 }
 
 void ServerConnection::onReady() {
+    connectTimer_.stop();
     phase_ = Phase::Up;
     watchdog_.start();
+    emit encryptionChanged();
     emit linkReady();
 }
 
@@ -114,7 +250,29 @@ void ServerConnection::enterClosed() {
     connectTimer_.stop();
     clock_.reset();
     watchdog_.stop();
+    const bool wasUp = phase_ == Phase::Up;
     phase_ = Phase::Closed;
+    if (wasUp) {
+        emit encryptionChanged();
+    }
+}
+
+void ServerConnection::reportProblem(const QString& known, const QString& detail) {
+    const bool wasUp = phase_ == Phase::Up;
+    enterClosed();
+    lastProblem_ = known;
+    if (wasUp) {
+        recovering_ = autoReloginEnabled();
+    }
+    if (quietErrors()) {
+        errorLog_.ShowErrorMessage(detail, kErrorTitle, errorWindowShow());
+    } else {
+        prompter_.message(known, kMessageTitle, Prompter::Icon::Critical);
+    }
+    if (wasUp) {
+        emit wentOffline(false);
+    }
+    emit connectFailed();
 }
 
 void ServerConnection::reportFailure(QAbstractSocket::SocketError error,
@@ -174,6 +332,7 @@ void ServerConnection::onStreamRefused(const QString& text) {
 }
 
 void ServerConnection::GoOffline(bool remote) {
+    ++attempt_;  // a certificate question still open is answered for nothing
     if (phase_ == Phase::Closed) {
         return;
     }

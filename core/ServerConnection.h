@@ -10,6 +10,7 @@
 #include "core/ConnectionOptions.h"
 #include "core/ErrorLog.h"
 #include "core/PingWatchdog.h"
+#include "core/ServerTrust.h"
 
 namespace tavren {
 
@@ -70,6 +71,11 @@ class ServerConnection : public QObject {
     // logged in, and before any try.
     QString lastProblem() const { return lastProblem_; }
 
+    // While the link is up: whether it is encrypted, and a few lines saying how (protocol and
+    // the certificate's fingerprint) or that it is not.
+    bool encrypted() const;
+    QString encryptionDetails() const;
+
     ConnectedClock& clock() { return clock_; }
     PingWatchdog& watchdog() { return watchdog_; }
 
@@ -82,6 +88,8 @@ class ServerConnection : public QObject {
     void wentOffline(bool remote);
     // A line for every open conversation pane, already prefixed with "Server: ".
     void statusLine(const QString& line);
+    // The link came up or went down: encrypted() and encryptionDetails() may read otherwise.
+    void encryptionChanged();
 
   private:
     void onConnected();
@@ -90,6 +98,18 @@ class ServerConnection : public QObject {
     void onRemoteClosed();
     void onStreamRefused(const QString& text);
     void reportFailure(QAbstractSocket::SocketError error, const QString& description);
+    // Tells the user why the attempt failed (`known`: in a box unless errors are quiet; else
+    // `detail` in the error window) and ends it.
+    void reportProblem(const QString& known, const QString& detail);
+    void onEncryptionFailed(const QString& reason);
+    // The certificate judge, asked while the handshake waits.
+    bool judgeCertificate(const QSslCertificate& certificate, const QList<QSslError>& errors);
+    void onCertificateRefused(const QSslCertificate& certificate, const QList<QSslError>& errors);
+    // The attempt waits for the member's word on a certificate; yes connects again.
+    void askAboutCertificate(const ServerTrust::Check& check);
+    // The host and port a certificate must be for: the server's, also through the tunnel.
+    QString serverName() const;
+    quint16 serverPort() const;
     void tellOffline(const QString& text);
     // While the countdown is bringing a lost session back, the error window is written to
     // without coming forward.
@@ -108,6 +128,11 @@ class ServerConnection : public QObject {
     bool lastFrameWasNotice_ = false;
     // A logged-in session was lost and the countdown is bringing it back.
     bool recovering_ = false;
+    ServerTrust trust_;
+    // Counts connects and disconnects, so that an answer about a certificate that comes after
+    // the member cancelled (or after another attempt began) changes nothing.
+    quint64 attempt_ = 0;
+    QString questionOpenFor_;  // the fingerprint a certificate question is open for
     QString lastProblem_;
     QTimer connectTimer_;
     ConnectedClock clock_;

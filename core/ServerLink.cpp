@@ -17,13 +17,59 @@ ServerLink::ServerLink(FloodMeters& floodMeters, QObject* parent)
     // Bounded, so that input we are not ready to cut stays in the kernel and TCP slows the
     // server down instead of the client buffering without end.
     socket_.setReadBufferSize(static_cast<qint64>(kMaxHeldBytes));
-    connect(&socket_, &QTcpSocket::connected, this, [this] {
+    connect(&socket_, &QSslSocket::connected, this, [this] {
         ending_ = Ending::None;
+        if (encrypt_ && !viaProxy_) {
+            startEncryption();
+            return;
+        }
         emit connected();
     });
-    connect(&socket_, &QTcpSocket::readyRead, this, &ServerLink::onReadyRead);
-    connect(&socket_, &QTcpSocket::disconnected, this, &ServerLink::onDisconnected);
-    connect(&socket_, &QTcpSocket::errorOccurred, this, &ServerLink::onError);
+    connect(&socket_, &QSslSocket::encrypted, this, &ServerLink::onEncrypted);
+    connect(&socket_, &QSslSocket::sslErrors, this, &ServerLink::onSslErrors);
+    connect(&socket_, &QSslSocket::readyRead, this, &ServerLink::onReadyRead);
+    connect(&socket_, &QSslSocket::disconnected, this, &ServerLink::onDisconnected);
+    connect(&socket_, &QSslSocket::errorOccurred, this, &ServerLink::onError);
+}
+
+void ServerLink::startEncryption() {
+    handshaking_ = true;
+    refused_.reset();
+    // The name the member gave is what the certificate must be for.
+    socket_.setPeerVerifyName(verifyName_);
+    socket_.startClientEncryption();
+}
+
+void ServerLink::onSslErrors(const QList<QSslError>& errors) {
+    if (judge_ && judge_(socket_.peerCertificate(), errors)) {
+        socket_.ignoreSslErrors(errors);
+        return;
+    }
+    // Not taken: the socket ends the handshake itself once this returns.
+    refused_.emplace(socket_.peerCertificate(), errors);
+}
+
+void ServerLink::onEncrypted() {
+    handshaking_ = false;
+    if (viaProxy_) {
+        emit tunnelUp();
+    } else {
+        emit connected();
+    }
+}
+
+QString ServerLink::protocolName() const {
+    if (!socket_.isEncrypted()) {
+        return QString();
+    }
+    switch (socket_.sessionProtocol()) {
+        case QSsl::TlsV1_3:
+            return QStringLiteral("TLS 1.3");
+        case QSsl::TlsV1_2:
+            return QStringLiteral("TLS 1.2");
+        default:
+            return QStringLiteral("TLS");
+    }
 }
 
 ServerLink::~ServerLink() {
@@ -32,16 +78,35 @@ ServerLink::~ServerLink() {
     socket_.abort();
 }
 
-void ServerLink::connectTo(const QString& host, quint16 port, bool proxyMode) {
+void ServerLink::connectTo(const QString& host, quint16 port, bool proxyMode,
+                           const QString& encryptFor) {
     close();
     host_ = host;
     port_ = port;
+    encrypt_ = !encryptFor.isEmpty();
+    verifyName_ = encryptFor;
+    viaProxy_ = proxyMode;
+    handshaking_ = false;
+    refused_.reset();
     ending_ = Ending::None;
     cutter_.SetProxyMode(proxyMode);
     socket_.connectToHost(host, port);
 }
 
+void ServerLink::reportHandshakeEnd(const QString& reason) {
+    handshaking_ = false;
+    auto refused = std::exchange(refused_, std::nullopt);
+    close();
+    ending_ = Ending::Error;
+    if (refused) {
+        emit certificateRefused(refused->first, refused->second);
+    } else {
+        emit encryptionFailed(reason);
+    }
+}
+
 void ServerLink::close() {
+    handshaking_ = false;
     cutter_.Reset();
     held_.clear();
     heldPayloadBytes_ = 0;
@@ -180,6 +245,10 @@ bool ServerLink::deliver(protocol::CutResult& cut) {
             emit streamRefused(WireText::fromWire(cut.errorText));
             return false;
         case protocol::CutResult::Kind::kTunnelUp:
+            if (encrypt_) {
+                startEncryption();  // inside the tunnel; tunnelUp() follows the handshake
+                return true;
+            }
             emit tunnelUp();
             return true;
         case protocol::CutResult::Kind::kFrame:
@@ -198,6 +267,10 @@ void ServerLink::onDisconnected() {
         return;
     }
     cutter_.Reset();
+    if (handshaking_) {
+        reportHandshakeEnd(tr("the server closed the connection during the handshake"));
+        return;
+    }
     ending_ = Ending::RemoteClosed;
     emit remoteClosed();
 }
@@ -208,6 +281,10 @@ void ServerLink::onError(QAbstractSocket::SocketError error) {
         return;
     }
     const QString description = socket_.errorString();
+    if (handshaking_) {
+        reportHandshakeEnd(description);
+        return;
+    }
     close();
     ending_ = Ending::Error;
     emit failed(error, description);

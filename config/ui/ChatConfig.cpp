@@ -136,9 +136,10 @@ ChatConfig::ChatConfig(Settings& settings, DataFiles& files, Prompter& prompter,
 }
 
 QStringList ChatConfig::pageNames() {
-    return {QStringLiteral("General"), QStringLiteral("UI Options"), QStringLiteral("Sounds"),
-            QStringLiteral("Proxy"),   QStringLiteral("Server"),     QStringLiteral("Privacy"),
-            QStringLiteral("Perform"), QStringLiteral("Away Msg's"), QStringLiteral("Web Services")};
+    return {
+        QStringLiteral("General"), QStringLiteral("UI Options"), QStringLiteral("Sounds"),
+        QStringLiteral("Proxy"),   QStringLiteral("Server"),     QStringLiteral("Privacy"),
+        QStringLiteral("Perform"), QStringLiteral("Away Msg's"), QStringLiteral("Web Services")};
 }
 
 QString ChatConfig::caption() {
@@ -319,9 +320,10 @@ QWidget* ChatConfig::buildUiOptionsPage() {
 
     notify_ = checkBox(QStringLiteral("chkNotify"),
                        tr("Show &desktop notices for private messages and buddies"));
-    notify_->setToolTip(tr("While Tavren is in the background, a private message or a buddy "
-                           "coming online shows a notice beside the tray icon; clicking it "
-                           "opens the conversation."));
+    notify_->setToolTip(
+        tr("While Tavren is in the background, a private message or a buddy "
+           "coming online shows a notice beside the tray icon; clicking it "
+           "opens the conversation."));
 
     auto* layout = new QVBoxLayout;
     layout->addLayout(top, 1);
@@ -425,12 +427,20 @@ QWidget* ChatConfig::buildServerPage() {
     grid->addWidget(serverPort_, 1, 1);
     grid->addWidget(serverPortMeaning_, 1, 2);
     grid->setColumnStretch(1, 1);
+    tls_ = checkBox(QStringLiteral("tlsCheck"), QStringLiteral("&Encrypted connection (TLS)"));
     auto* layout = new QVBoxLayout;
     layout->addLayout(grid);
+    layout->addWidget(tls_);
     layout->addWidget(wrappedLabel(
         tr("Names in braces stand for the servers and the port that this client was made for; "
            "what each one connects to is shown beside it. Type a host name or address and a "
            "port number to use another server."),
+        this));
+    layout->addWidget(wrappedLabel(
+        tr("With encryption on, nobody between you and the server can read or change what you "
+           "send, your password included. A server whose certificate no authority vouches for "
+           "is shown with its fingerprint the first time, and you are warned if it ever "
+           "changes. Turn encryption off only for an older server that does not offer it."),
         this));
     layout->addStretch(1);
     return pageWithLayout(this, layout);
@@ -526,6 +536,7 @@ void ChatConfig::populate(const SettingsValues& v) {
     radioInfoUrl_->setText(v.radioInfoUrl);
     selectEntry(proxyHost_, {}, v.proxyHost);
     useProxy_->setChecked(v.useProxy);
+    tls_->setChecked(v.tls);
     transLevel_->setValue(v.transLevel);
     trans_->setChecked(v.trans);
     autoLogin_->setChecked(v.autoLogin);
@@ -566,6 +577,7 @@ SettingsValues ChatConfig::editedValues() const {
     v.radioInfoUrl = radioInfoUrl_->text().trimmed();
     v.proxyHost = proxyHost_->currentText().trimmed();
     v.useProxy = useProxy_->isChecked();
+    v.tls = tls_->isChecked();
     v.transLevel = transLevel_->value();
     v.trans = trans_->isChecked();
     v.autoLogin = autoLogin_->isChecked();

@@ -137,6 +137,7 @@ class ChatConfig : public QDialog {
     QCheckBox* bold_;
     QCheckBox* useProxy_;
     QCheckBox* autoLogin_;
+    QCheckBox* tls_;
     QCheckBox* autoStart_;
     QCheckBox* smiles_;
     QCheckBox* notify_;

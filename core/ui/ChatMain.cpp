@@ -355,8 +355,15 @@ void ChatMain::buildStatusBar() {
     statusBar()->addWidget(mailButton_);
     statusBar()->addWidget(onlineLabel_, 1);
     statusBar()->addWidget(scoreLabel_);
+    // The padlock: shut while the link is encrypted, open while it is plain, not there offline.
+    padlockLabel_ = new QLabel(this);
+    padlockLabel_->setObjectName(QStringLiteral("encryptionPadlock"));
+    padlockLabel_->hide();
+    statusBar()->addPermanentWidget(padlockLabel_);
     statusBar()->addPermanentWidget(timeIcon);
     statusBar()->addPermanentWidget(timeLabel_);
+    connect(&session_.server().connection(), &ServerConnection::encryptionChanged, this,
+            &ChatMain::showEncryption);
 
     // Offline, the label says whether the client is getting back on its own; the last line
     // about the connection is its tooltip.
@@ -407,6 +414,19 @@ void ChatMain::buildTrayIcon() {
                 }
             });
     tray_->show();
+}
+
+void ChatMain::showEncryption() {
+    const ServerConnection& connection = session_.server().connection();
+    if (!connection.linkUp()) {
+        padlockLabel_->hide();
+        return;
+    }
+    const int side = padlockLabel_->fontMetrics().height();
+    padlockLabel_->setPixmap(ToolBarIcons::padlock(connection.encrypted())
+                                 .pixmap(QSize(side, side), devicePixelRatioF()));
+    padlockLabel_->setToolTip(connection.encryptionDetails());
+    padlockLabel_->show();
 }
 
 void ChatMain::setOnlineLook(bool online) {

@@ -97,6 +97,8 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     void openNewAway();
     void showAbout();
     void setOnlineLook(bool online);
+    // The padlock and its tooltip from the connection's encryption.
+    void showEncryption();
     void followServerSession();
     void followMailbox();
     QAction* addCommand(QMenu* menu, const QString& name, const QString& caption, bool available);
@@ -112,6 +114,7 @@ class ChatMain : public QMainWindow, public RoomCommandHost {
     QMenu* awayMenu_ = nullptr;
     QLabel* onlineLabel_ = nullptr;
     QLabel* scoreLabel_ = nullptr;
+    QLabel* padlockLabel_ = nullptr;
     QLabel* timeLabel_ = nullptr;
     QToolButton* mailButton_ = nullptr;
     QSystemTrayIcon* tray_ = nullptr;

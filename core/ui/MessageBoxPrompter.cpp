@@ -78,14 +78,26 @@ Prompter::Answer MessageBoxPrompter::askYesNoCancel(const QString& text, const Q
     return askPlain(parent_, text, title, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
 }
 
+void MessageBoxPrompter::askYesNoLater(const QString& text, const QString& title,
+                                       std::function<void(Answer)> answered) {
+    askLater(text, title, QMessageBox::Yes | QMessageBox::No, QMessageBox::No, std::move(answered));
+}
+
 void MessageBoxPrompter::askYesNoCancelLater(const QString& text, const QString& title,
                                              std::function<void(Answer)> answered) {
-    auto* box = new QMessageBox(QMessageBox::Question, title, QString(),
-                                QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, parent_);
+    askLater(text, title, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel,
+             QMessageBox::Yes, std::move(answered));
+}
+
+void MessageBoxPrompter::askLater(const QString& text, const QString& title,
+                                  QMessageBox::StandardButtons buttons,
+                                  QMessageBox::StandardButton defaultButton,
+                                  std::function<void(Answer)> answered) {
+    auto* box = new QMessageBox(QMessageBox::Question, title, QString(), buttons, parent_);
     box->setTextFormat(Qt::PlainText);
     box->setText(text);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setDefaultButton(QMessageBox::Yes);
+    box->setDefaultButton(defaultButton);
     QObject::connect(box, &QMessageBox::finished, box, [box, answered = std::move(answered)](int) {
         answered(toAnswer(box->standardButton(box->clickedButton())));
     });

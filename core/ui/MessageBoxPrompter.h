@@ -1,11 +1,11 @@
 #pragma once
 
 #include <QHash>
+#include <QMessageBox>
 #include <QPointer>
 
 #include "core/Prompter.h"
 
-class QMessageBox;
 class QWidget;
 
 namespace tavren {
@@ -21,6 +21,8 @@ class MessageBoxPrompter : public Prompter {
     void message(const QString& text, const QString& title, Icon icon) override;
     Answer askYesNo(const QString& text, const QString& title) override;
     Answer askYesNoCancel(const QString& text, const QString& title) override;
+    void askYesNoLater(const QString& text, const QString& title,
+                       std::function<void(Answer)> answered) override;
     void askYesNoCancelLater(const QString& text, const QString& title,
                              std::function<void(Answer)> answered) override;
     std::optional<QString> askText(const QString& prompt, const QString& title,
@@ -30,6 +32,9 @@ class MessageBoxPrompter : public Prompter {
     QMessageBox* openMessage(const QString& title) const;
 
   private:
+    void askLater(const QString& text, const QString& title, QMessageBox::StandardButtons buttons,
+                  QMessageBox::StandardButton defaultButton, std::function<void(Answer)> answered);
+
     QWidget* parent_;
     // One box per title: a message arriving while one with the same title is still open
     // replaces its text instead of stacking another box on top (a server repeating a notice

@@ -121,4 +121,34 @@ QIcon ToolBarIcons::connectedTime() {
     });
 }
 
+QIcon ToolBarIcons::padlock(bool shut) {
+    return drawn([shut](QPainter& painter) {
+        const QColor body = shut ? QColor(0x2e, 0x8b, 0x57) : QColor(0x9a, 0xa0, 0xa6);
+        const QColor ink = body.darker(150);
+        // The shackle: closed into the body, or swung up and open to the right.
+        painter.setPen(QPen(ink, 1.6, Qt::SolidLine, Qt::RoundCap));
+        painter.setBrush(Qt::NoBrush);
+        QPainterPath shackle;
+        if (shut) {
+            shackle.moveTo(4.8, 8);
+            shackle.lineTo(4.8, 5.2);
+            shackle.arcTo(QRectF(4.8, 1.8, 6.4, 6.4), 180, -180);
+            shackle.lineTo(11.2, 8);
+        } else {
+            shackle.moveTo(8.8, 8);
+            shackle.lineTo(8.8, 4.2);
+            shackle.arcTo(QRectF(8.8, 0.8, 6.4, 6.4), 180, -180);
+            shackle.lineTo(15.2, 5.5);
+        }
+        painter.drawPath(shackle);
+        painter.setPen(QPen(ink, 1));
+        painter.setBrush(body);
+        painter.drawRoundedRect(QRectF(2.5, 7.5, 11, 7.5), 1.5, 1.5);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(Qt::white);
+        painter.drawEllipse(QPointF(8, 10.6), 1.2, 1.2);
+        painter.drawRect(QRectF(7.5, 10.6, 1, 2.6));
+    });
+}
+
 }  // namespace tavren

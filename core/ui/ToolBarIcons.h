@@ -18,6 +18,8 @@ class ToolBarIcons {
     static QIcon settings();
     // A clock face, for the connected time.
     static QIcon connectedTime();
+    // A padlock, shut (green) for an encrypted connection, open (grey) for a plain one.
+    static QIcon padlock(bool shut);
 };
 
 }  // namespace tavren

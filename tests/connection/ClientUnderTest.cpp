@@ -27,6 +27,9 @@ void ClientUnderTest::pointAt(quint16 port, const QString& host) {
     values.useProxy = false;
     values.serverHost = host;
     values.serverPort = QString::number(port);
+    // Plain unless a test turns encryption on (useTls): most tests are about other things,
+    // and the scripted fake server speaks only the plain protocol.
+    values.tls = tlsWanted;
     settings->setValues(values);
 }
 
@@ -35,6 +38,7 @@ void ClientUnderTest::useProxy(quint16 proxyPort) {
     values.useProxy = true;
     values.proxyHost = QStringLiteral("127.0.0.1");
     values.proxyPort = QString::number(proxyPort);
+    values.tls = tlsWanted;
     // Ignored in proxy mode: the tunnel always asks for the deployment's server.
     values.serverHost = QStringLiteral("no-such-host.invalid");
     values.serverPort = QStringLiteral("1");

@@ -20,6 +20,7 @@ class ClientUnderTest {
 
     static ConnectionOptions fastOptions();
 
+    // Encrypted when `tlsWanted` is set (before pointing), plain otherwise.
     void pointAt(quint16 port, const QString& host = QStringLiteral("127.0.0.1"));
     void useProxy(quint16 proxyPort);
     // Saves an account in the login list and selects it.
@@ -36,6 +37,7 @@ class ClientUnderTest {
     std::unique_ptr<Settings> settings;
     ScriptedPrompter prompter;
     std::unique_ptr<ServerSession> session;
+    bool tlsWanted = false;
     int wentOffline = 0;
     int loginsAccepted = 0;
 };

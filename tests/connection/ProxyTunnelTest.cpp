@@ -72,6 +72,22 @@ TEST(ProxyTunnelTest, LogsInThroughARealHttpProxy) {
     // Pings come through the tunnel too.
     test::runEventsFor(6 * options.watchdogIntervalMs);
     EXPECT_TRUE(client.session->online());
+    EXPECT_FALSE(client.session->connection().encrypted());
+
+    // Encrypted, TLS runs inside the tunnel, checked against the server's name and port (not
+    // the proxy's); the proxy sees only the CONNECT in the clear.
+    client.session->login().logOff();
+    client.settings->setKnownServer(ServerTrust::keyFor(options.tunnelHost, options.tunnelPort),
+                                    server.fingerprint());
+    client.tlsWanted = true;
+    client.useProxy(proxyPort);
+    client.session->login().clickLoginButton();
+    ASSERT_TRUE(waitUntil([&] { return client.loginsAccepted == 2; }))
+        << client.errors().toStdString() << server.log().toStdString();
+    EXPECT_TRUE(client.session->connection().encrypted());
+    EXPECT_TRUE(client.messages().isEmpty());
+    test::runEventsFor(3 * options.watchdogIntervalMs);
+    EXPECT_TRUE(client.session->online());
 }
 
 TEST(ProxyTunnelTest, TheTunnelRequestIsExactAndAHangUpOrARefusalIsReported) {

@@ -75,4 +75,13 @@ bool TavrendProcess::addAccount(const QString& name, const QString& password) {
            add.exitCode() == 0;
 }
 
+QString TavrendProcess::fingerprint() const {
+    QProcess print;
+    print.start(binary(), {QStringLiteral("--db"), databasePath_, QStringLiteral("fingerprint")});
+    if (!print.waitForFinished(30000) || print.exitCode() != 0) {
+        return QString();
+    }
+    return QString::fromLatin1(print.readAllStandardOutput()).trimmed();
+}
+
 }  // namespace tavren::test

@@ -21,6 +21,8 @@ class TavrendProcess {
     quint16 port() const { return port_; }
     // `tavrend --db FILE account add NAME PASSWORD`
     bool addAccount(const QString& name, const QString& password);
+    // `tavrend --db FILE fingerprint`: the SHA-256 of the server's own certificate.
+    QString fingerprint() const;
     // Everything the server wrote to stderr so far.
     QString log();
 

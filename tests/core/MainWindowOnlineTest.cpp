@@ -35,6 +35,7 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     SettingsValues values = session.settings().values();
     values.serverHost = QStringLiteral("127.0.0.1");
     values.serverPort = QString::number(server.port());
+    values.tls = false;  // plain: encryption is tested on its own
     session.settings().setValues(values);
     window.show();
 

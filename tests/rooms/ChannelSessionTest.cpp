@@ -110,6 +110,7 @@ class ChannelSessionTest : public ::testing::Test {
         SettingsValues values = session.settings().values();
         values.serverHost = QStringLiteral("127.0.0.1");
         values.serverPort = QString::number(peer.port());
+        values.tls = false;  // plain: encryption is tested on its own
         session.settings().setValues(values);
         SavedAccounts& accounts = session.server().accounts();
         session.server().login().select(accounts.add(QStringLiteral("me"), QStringLiteral("pw")));

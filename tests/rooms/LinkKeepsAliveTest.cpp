@@ -88,6 +88,7 @@ TEST_F(LinkKeepsAliveTest, AnOpenNoticeBoxDoesNotCostTheConnection) {
     SettingsValues values = session.settings().values();
     values.serverHost = QStringLiteral("127.0.0.1");
     values.serverPort = QString::number(server->port());
+    values.tls = false;  // plain: encryption is tested on its own
     session.settings().setValues(values);
     LoginFlow& login = session.server().login();
     login.select(

@@ -32,6 +32,7 @@ void RoomClient::logIn(quint16 port, const QString& name, const QString& passwor
     SettingsValues values = session->settings().values();
     values.serverHost = QStringLiteral("127.0.0.1");
     values.serverPort = QString::number(port);
+    values.tls = false;  // plain: encryption is tested on its own
     session->settings().setValues(values);
     SavedAccounts& accounts = session->server().accounts();
     const int row = accounts.findRow(name);
