@@ -8,7 +8,7 @@ set -euo pipefail
 packages=(
     build-essential cmake ninja-build pkg-config git
     qt6-base-dev qt6-multimedia-dev qt6-tools-dev-tools
-    libasio-dev libsqlite3-dev libsodium-dev
+    libasio-dev libsqlite3-dev libsodium-dev libssl-dev openssl
     libgtest-dev libgmock-dev libbenchmark-dev
     libturbojpeg0-dev libjpeg62-turbo-dev
     clang libclang-rt-14-dev
