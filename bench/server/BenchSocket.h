@@ -10,14 +10,18 @@
 #include "core/protocol/Frame.h"
 #include "core/protocol/FrameCutter.h"
 
+typedef struct ssl_st SSL;
+typedef struct ssl_ctx_st SSL_CTX;
+
 namespace tavren::bench {
 
 // One loopback client socket, non-blocking, with its own frame cutter. Sending waits for room in
 // the kernel buffer; reading either waits for the next frame (setup) or takes what has arrived
-// (the measuring loop, driven by epoll).
+// (the measuring loop, driven by epoll). Encrypted, TLS runs over the same socket (any
+// certificate is taken: the benchmark measures the cost, not the trust).
 class BenchSocket {
   public:
-    explicit BenchSocket(std::uint16_t port);
+    explicit BenchSocket(std::uint16_t port, bool encrypted = false);
     ~BenchSocket();
     BenchSocket(const BenchSocket&) = delete;
     BenchSocket& operator=(const BenchSocket&) = delete;
@@ -46,8 +50,10 @@ class BenchSocket {
   private:
     // False when nothing more is waiting.
     bool readSome();
+    bool waiting() const;
 
     int fd_ = -1;
+    SSL* tls_ = nullptr;
     protocol::FrameCutter cutter_;
 };
 

@@ -46,7 +46,9 @@ double percentile(std::vector<std::int64_t>& samples, double fraction) {
     return static_cast<double>(samples[rank]) / 1000.0;
 }
 
-void logIn(BenchSocket& socket, const std::string& name) {
+}  // namespace
+
+void logInToChannel(BenchSocket& socket, const std::string& name) {
     socket.send(in::kVersionBeforeLogin, "1.0.0");
     socket.skipTo(out::kHello);
     socket.send(in::kCredentials, name + ":" + TavrendUnderTest::kPassword);
@@ -57,13 +59,11 @@ void logIn(BenchSocket& socket, const std::string& name) {
     socket.skipTo(out::kJoinedRoom);
 }
 
-}  // namespace
-
-ChannelLoad::ChannelLoad(std::uint16_t port, int members, bool logIn) {
+ChannelLoad::ChannelLoad(std::uint16_t port, int members, bool logIn, bool encrypted) {
     for (int i = 0; i <= members; ++i) {
-        sockets_.push_back(std::make_unique<BenchSocket>(port));
+        sockets_.push_back(std::make_unique<BenchSocket>(port, encrypted));
         if (logIn) {
-            bench::logIn(*sockets_.back(), i < members ? "m" + std::to_string(i) : "sender");
+            logInToChannel(*sockets_.back(), i < members ? "m" + std::to_string(i) : "sender");
         }
     }
     sender_ = sockets_.back().get();

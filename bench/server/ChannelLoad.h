@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "BenchSocket.h"
@@ -14,13 +15,17 @@ struct LoadFigures {
     double p99Micros = 0;
 };
 
+// tavrend's login handshake for `name` (password TavrendUnderTest::kPassword), then a join of
+// the benchmark's channel.
+void logInToChannel(BenchSocket& socket, const std::string& name);
+
 // One sender and `members` members in one channel on `port`. With `logIn`, each goes through
 // tavrend's handshake and joins "Bench Room"; without, the connection alone makes it a member
 // (the fan-out peer). Lines carry their number and the time they were written, so every member's
 // read of every line is one latency sample.
 class ChannelLoad {
   public:
-    ChannelLoad(std::uint16_t port, int members, bool logIn);
+    ChannelLoad(std::uint16_t port, int members, bool logIn, bool encrypted = false);
 
     // Every line as fast as the sender can write it: throughput, from the first write to the
     // last member's read of the last line.

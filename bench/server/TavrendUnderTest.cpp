@@ -66,7 +66,9 @@ TavrendUnderTest::TavrendUnderTest(const std::filesystem::path& binary,
         // for every member on one address and in one channel.
         "--frame-rate", "1000000", "--flood-limit", "1000000", "--flood-lines", "1000000",
         "--flood-interval", "0.01", "--max-per-address", "100000", "--queue-limit", "1000000",
-        "--ping-interval", "3600", "--login-timeout", "3600", "--max-channel-members", "40000"};
+        "--ping-interval", "3600", "--login-timeout", "3600", "--max-channel-members", "40000",
+        // Every member connects from 127.0.0.1, and all of them connect within a second.
+        "--connect-rate", "1000000", "--connect-burst", "1000000"};
     arguments.insert(arguments.end(), extraArguments.begin(), extraArguments.end());
     std::vector<char*> argv;
     for (std::string& argument : arguments) {

@@ -24,6 +24,7 @@ class TavrendUnderTest {
     TavrendUnderTest& operator=(const TavrendUnderTest&) = delete;
 
     std::uint16_t port() const { return port_; }
+    pid_t pid() const { return pid_; }
 
   private:
     // A login costs a full argon2id check by design, which would make a thousand logins take a
