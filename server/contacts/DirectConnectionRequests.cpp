@@ -8,10 +8,12 @@
 #include "core/protocol/Fields.h"
 #include "server/accounts/AccountRules.h"
 #include "server/accounts/AccountStore.h"
+#include "server/base/AsciiText.h"
 #include "server/contacts/RequesterAddress.h"
 #include "server/net/PresenceHub.h"
 #include "server/rooms/ChannelRules.h"
 #include "server/session/Member.h"
+#include "tls/CertificateFingerprint.h"
 
 namespace tavren::server {
 
@@ -25,6 +27,7 @@ constexpr char kCancel = '2';
 constexpr char kError = '3';
 constexpr char kAbort = '4';
 constexpr char kAccept = '5';
+constexpr char kFingerprint = '6';
 
 std::optional<std::string> portArgument(std::string_view argument) {
     if (argument.empty() || argument.size() > 5 ||
@@ -53,6 +56,7 @@ asio::awaitable<void> DirectConnectionRequests::handle(Member& member, protocol:
 
 void DirectConnectionRequests::memberLeft(Member& member) {
     handshakes_.erase(member.sessionId);
+    fingerprints_.erase(member.sessionId);
 }
 
 std::optional<std::string> DirectConnectionRequests::relayedArgument(char kind,
@@ -78,6 +82,14 @@ std::optional<std::string> DirectConnectionRequests::relayedArgument(char kind,
                 }
             }
             return reason;
+        }
+        case kFingerprint: {
+            // Exactly as clients write it (the peer compares it character for character).
+            const auto normal = tls::CertificateFingerprint::normalise(argument);
+            if (!normal || *normal != argument) {
+                return std::nullopt;
+            }
+            return *normal;
         }
         default:
             return std::nullopt;
@@ -110,6 +122,24 @@ void DirectConnectionRequests::relay(Member& member, const std::string& payload)
     if (!argument) {
         return;
     }
+    const auto kept = fingerprints_.find(member.sessionId);
+    if (kind == kFingerprint) {
+        // Goes with the member's next handshake, if that is a request or accept to this peer.
+        if (AccountRules::checkName(peer).empty()) {
+            fingerprints_[member.sessionId] = {peer, *argument};
+        } else if (kept != fingerprints_.end()) {
+            fingerprints_.erase(kept);
+        }
+        return;
+    }
+    std::string fingerprint;
+    if (kept != fingerprints_.end()) {
+        if ((kind == kRequest || kind == kAccept) &&
+            AsciiText::equalNoCase(kept->second.peer, peer)) {
+            fingerprint = std::move(kept->second.fingerprint);
+        }
+        fingerprints_.erase(kept);
+    }
     const bool wantsAnswer = kind == kRequest || kind == kAccept;
     if (!takeHandshake(member)) {
         tell(member, peer,
@@ -118,13 +148,18 @@ void DirectConnectionRequests::relay(Member& member, const std::string& payload)
     }
     const bool possibleName = AccountRules::checkName(peer).empty();
     if (possibleName && hub_.isOnline(peer)) {
+        const std::string address = RequesterAddress::fromPeer(member.link.peerAddress());
+        if (!fingerprint.empty()) {
+            hub_.sendTo(std::span(&peer, 1), out::kDirectConnection,
+                        member.name() + ":6:" + fingerprint + ":" + address);
+        }
         std::string relayed = member.name();
         relayed += ':';
         relayed += kind;
         relayed += ':';
         relayed += *argument;
         relayed += ':';
-        relayed += RequesterAddress::fromPeer(member.link.peerAddress());
+        relayed += address;
         hub_.sendTo(std::span(&peer, 1), out::kDirectConnection, relayed);
         return;
     }

@@ -29,6 +29,12 @@ class PresenceHub;
 // silently, since the conversation that sent it may be closing. Each member may send
 // `handshakesPerMinute` handshakes a minute (a burst of that many, then one every 60/N s); one
 // over the bound is answered with a notice and not relayed.
+//
+// Kind 6 announces the sender's certificate fingerprint for the request or accept that follows.
+// It is not relayed on its own: the server keeps it (one per member) and sends it to the peer
+// right before that request or accept, within the same bound, or drops it when the member's next
+// handshake is anything else. So it costs no handshake of its own, a flood of them sends nothing
+// anywhere, and a request never arrives without the fingerprint that was sent for it.
 class DirectConnectionRequests : public FeatureHandler {
   public:
     // The longest error reason relayed; longer ones are cut.
@@ -42,7 +48,7 @@ class DirectConnectionRequests : public FeatureHandler {
                                  std::string payload) override;
     void memberLeft(Member& member) override;
 
-    // The argument as relayed for `kind` ('1'..'5'), or nothing when it is not acceptable.
+    // The argument as relayed for `kind` ('1'..'6'), or nothing when it is not acceptable.
     static std::optional<std::string> relayedArgument(char kind, std::string_view argument);
 
   private:
@@ -55,6 +61,12 @@ class DirectConnectionRequests : public FeatureHandler {
     const ContactLimits& limits_;
     // Per login (session id): the handshakes the member may still send in a burst.
     std::unordered_map<std::uint64_t, LineBucket> handshakes_;
+    // Per login: the fingerprint announced for the member's next handshake, and to whom.
+    struct Announced {
+        std::string peer;
+        std::string fingerprint;
+    };
+    std::unordered_map<std::uint64_t, Announced> fingerprints_;
 };
 
 }  // namespace tavren::server

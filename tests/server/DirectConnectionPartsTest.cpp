@@ -34,7 +34,21 @@ TEST(DirectConnectionPartsTest, ArgumentsAreRelayedOnlyInAFormThePeerCanSplit) {
     EXPECT_EQ(relayed('3', "a:b\x7f"), "a.b?");
     EXPECT_EQ(relayed('3', std::string(500, 'x'))->size(), DirectConnectionRequests::kMaxReason);
     EXPECT_FALSE(relayed('0', "0"));
+    EXPECT_FALSE(relayed('7', "0"));
+
+    // A certificate's fingerprint exactly as clients write it, nothing looser: the peer compares
+    // it character for character.
+    const std::string fingerprint =
+        "AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:"
+        "67:89";
+    EXPECT_EQ(relayed('6', fingerprint), fingerprint);
     EXPECT_FALSE(relayed('6', "0"));
+    EXPECT_FALSE(relayed('6', ""));
+    EXPECT_FALSE(relayed('6', "ab" + fingerprint.substr(2)));
+    EXPECT_FALSE(relayed('6', fingerprint.substr(3)));
+    EXPECT_FALSE(relayed('6', fingerprint + ":00"));
+    EXPECT_FALSE(relayed('6', "ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789ABCDEF0123456789"));
+    EXPECT_FALSE(relayed('6', fingerprint.substr(0, 94) + "G"));
 }
 
 }  // namespace

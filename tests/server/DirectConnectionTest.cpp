@@ -1,6 +1,7 @@
 // The direct-connection handshake against the real server: relayed to the named peer only with the
 // requester's address added, arguments the peer can always split, notices when a request cannot
-// arrive, and the bound on handshakes per minute.
+// arrive, the bound on handshakes per minute, and certificate fingerprints that travel only with
+// the request or accept they were sent for.
 #include <memory>
 #include <string>
 
@@ -111,6 +112,54 @@ TEST_F(DirectConnectionTest, ARequestThatCannotArriveIsAnsweredAndTheRestAreBoun
     // Another member's bound is its own.
     handshake(*bob, "alice:5:0");
     EXPECT_EQ(relayed(*alice), "bob:5:0:127.0.0.1");
+}
+
+// A fingerprint is held until the member's next handshake and goes right before it when that is a
+// request or accept to the same member, within that handshake's share of the bound; alone, before
+// anything else, or to somebody else it goes nowhere.
+TEST_F(DirectConnectionTest, AFingerprintTravelsOnlyWithTheRequestOrAcceptItPrecedes) {
+    addMembers({"alice", "bob", "carol"});
+    startServer({"--max-handshakes", "3"});
+    auto alice = memberFrom("127.0.0.5", "alice");
+    auto bob = member("bob");
+    auto carol = member("carol");
+    const std::string first =
+        "AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:"
+        "67:89";
+    const std::string second =
+        "01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:CD:EF:01:23:45:67:89:AB:"
+        "CD:EF";
+
+    handshake(*alice, "Bob:6:" + first);
+    handshake(*alice, "bob:1:2000");
+    EXPECT_EQ(relayed(*bob), "alice:6:" + first + ":127.0.0.5");
+    EXPECT_EQ(relayed(*bob), "alice:1:2000:127.0.0.5");
+    handshake(*bob, "alice:6:" + second);
+    handshake(*bob, "alice:5:0");
+    EXPECT_EQ(relayed(*alice), "bob:6:" + second + ":127.0.0.1");
+    EXPECT_EQ(relayed(*alice), "bob:5:0:127.0.0.1");
+
+    // Alone, or followed by another kind, or meant for somebody else: not relayed, and gone.
+    handshake(*alice, "bob:6:" + first);
+    expectNothingPending(*bob);
+    handshake(*alice, "bob:2:0");
+    EXPECT_EQ(relayed(*bob), "alice:2:0:127.0.0.5");
+    handshake(*alice, "carol:6:" + first);
+    handshake(*alice, "bob:1:2001");
+    EXPECT_EQ(relayed(*bob), "alice:1:2001:127.0.0.5");
+    // Not exactly a fingerprint: dropped like any bad argument.
+    handshake(*alice, "bob:6:" + std::string(95, 'A'));
+    handshake(*alice, "bob:6:ab:cd");
+    expectNothingPending(*bob);
+    expectNothingPending(*carol);
+
+    // Fingerprints took nothing from the bound, but alice's three handshakes are spent: the
+    // fingerprint before a refused request is not relayed either.
+    handshake(*alice, "bob:6:" + first);
+    handshake(*alice, "bob:1:2002");
+    EXPECT_EQ(notice(*alice),
+              "bob:You are asking for direct connections too fast. Wait a moment, then try again.");
+    expectNothingPending(*bob);
 }
 
 }  // namespace
