@@ -2,8 +2,9 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTcpSocket>
+#include <QSslSocket>
 #include <cmath>
+#include <utility>
 
 #include "core/Prompter.h"
 #include "core/WireText.h"
@@ -11,6 +12,8 @@
 #include "pm/FileReceiver.h"
 #include "pm/FileSender.h"
 #include "pm/PeerAddress.h"
+#include "pm/PeerCertificate.h"
+#include "pm/PeerTlsHandshake.h"
 
 namespace tavren {
 
@@ -40,7 +43,14 @@ DirectLink::DirectLink(const QString& peer, const QString& downloadFolder, Promp
     progressTimer_.setInterval(kProgressIntervalMs);
     connect(&progressTimer_, &QTimer::timeout, this, &DirectLink::updateProgress);
     connect(&listener_, &PeerListener::peerConnected, this,
-            [this](QTcpSocket* socket) { established(socket, true); });
+            [this](QSslSocket* socket) { established(socket, true); });
+    connect(&listener_, &PeerListener::impostorRefused, this,
+            [this](const QHostAddress& from, const QString& reason) {
+                emit line(Speaker::Connection,
+                          QStringLiteral("** Refused a connection from %1: it is not %2's client "
+                                         "(%3) **")
+                              .arg(PeerAddress::text(from), peer_, reason));
+            });
 }
 
 DirectLink::~DirectLink() {
@@ -179,6 +189,7 @@ void DirectLink::request() {
     }
     if (options_.tunnel) {
         // Nobody can connect to this member: the other one listens, and this one connects out.
+        announce();
         emit handshake(kRequest, QStringLiteral("0"));
         emit line(Speaker::Own, QStringLiteral("** Requesting Direct Connection..  (you are "
                                                "behind a firewall: your buddy listens) **"));
@@ -191,6 +202,7 @@ void DirectLink::request() {
         emit changed();
         return;
     }
+    announce();
     emit handshake(kRequest, QString::number(port));
     emit line(Speaker::Own, QStringLiteral("** Requesting Direct Connection..") + portText(port) +
                                 QStringLiteral(" **"));
@@ -213,6 +225,7 @@ void DirectLink::accept() {
         return;
     }
     if (offerPort_ != 0) {
+        announce();
         emit handshake(kAccept, QStringLiteral("0"));
         emit line(Speaker::Own, QStringLiteral("** Establishing Connection..") +
                                     portText(offerPort_) + QStringLiteral(" **"));
@@ -228,11 +241,54 @@ void DirectLink::accept() {
         setState(State::Connect);
         return;
     }
-    listener_.expect(offerAddress_);
+    announce();
+    listener_.expect(offerAddress_, encrypting() ? ownCertificate_ : nullptr, peerFingerprint_);
     emit handshake(kAccept, QString::number(port));
     emit line(Speaker::Own, QStringLiteral("** Establishing Connection..") + portText(port) +
                                 QStringLiteral(" **"));
     setState(State::Accepting);
+}
+
+void DirectLink::announce() {
+    ownCertificate_ = options_.encrypt ? PeerCertificate::make() : nullptr;
+    if (ownCertificate_ != nullptr) {
+        emit handshake(kFingerprint, ownCertificate_->fingerprint());
+    }
+}
+
+bool DirectLink::encrypting() const {
+    return ownCertificate_ != nullptr && !peerFingerprint_.isEmpty();
+}
+
+QString DirectLink::encryption() const {
+    if (socket_ == nullptr || !socket_->isEncrypted()) {
+        return {};
+    }
+    switch (socket_->sessionProtocol()) {
+        case QSsl::TlsV1_3:
+            return QStringLiteral("TLS 1.3");
+        case QSsl::TlsV1_2:
+            return QStringLiteral("TLS 1.2");
+        default:
+            return QStringLiteral("TLS");
+    }
+}
+
+QString DirectLink::encryptionLine() const {
+    const QString version = encryption();
+    if (!version.isEmpty()) {
+        return QStringLiteral("** Direct connection encrypted (") + version +
+               QStringLiteral(") **");
+    }
+    if (!options_.encrypt) {
+        return QStringLiteral("** Direct connection NOT encrypted (encryption is off here) **");
+    }
+    if (ownCertificate_ == nullptr) {
+        return QStringLiteral(
+            "** Direct connection NOT encrypted (TLS is not available on this computer) **");
+    }
+    return QStringLiteral("** Direct connection NOT encrypted (%1's client is an older version) **")
+        .arg(peer_);
 }
 
 void DirectLink::connectOut(const QHostAddress& address, quint16 port) {
@@ -241,18 +297,38 @@ void DirectLink::connectOut(const QHostAddress& address, quint16 port) {
         connectFailed(QStringLiteral("The server did not say where %1 is").arg(peer_));
         return;
     }
-    connecting_ = new QTcpSocket(this);
-    QTcpSocket* socket = connecting_;
-    connect(socket, &QTcpSocket::connected, this, [this, socket] {
-        if (socket == connecting_) {
-            connecting_ = nullptr;
-            connectTimer_.stop();
-            socket->disconnect(this);
-            established(socket, false);
+    connecting_ = new QSslSocket(this);
+    QSslSocket* socket = connecting_;
+    const auto finish = [this, socket] {
+        connecting_ = nullptr;
+        connectTimer_.stop();
+        socket->disconnect(this);
+        established(socket, false);
+    };
+    connect(socket, &QSslSocket::connected, this, [this, socket, finish] {
+        if (socket != connecting_) {
+            return;
         }
+        if (!encrypting()) {
+            finish();
+            return;
+        }
+        // Within the same 30 s as the connection itself.
+        handshake_ = new PeerTlsHandshake(*socket, PeerTlsHandshake::Role::Client, ownCertificate_,
+                                          peerFingerprint_, this);
+        connect(handshake_, &PeerTlsHandshake::secured, this, [this, finish] {
+            handshake_->deleteLater();
+            handshake_ = nullptr;
+            finish();
+        });
+        connect(handshake_, &PeerTlsHandshake::refused, this, [this](const QString& reason) {
+            connectFailed(QStringLiteral("the other side is not %1's client: ").arg(peer_) +
+                          reason);
+        });
+        handshake_->start();
     });
-    connect(socket, &QTcpSocket::errorOccurred, this, [this, socket] {
-        if (socket == connecting_) {
+    connect(socket, &QSslSocket::errorOccurred, this, [this, socket] {
+        if (socket == connecting_ && handshake_ == nullptr) {
             connectFailed(socket->errorString());
         }
     });
@@ -272,8 +348,13 @@ void DirectLink::connectFailed(const QString& reason) {
 void DirectLink::resetPending() {
     listener_.stop();
     connectTimer_.stop();
+    if (handshake_ != nullptr) {
+        handshake_->disconnect(this);
+        handshake_->deleteLater();
+        handshake_ = nullptr;
+    }
     if (connecting_ != nullptr) {
-        QTcpSocket* socket = connecting_;
+        QSslSocket* socket = connecting_;
         connecting_ = nullptr;
         socket->disconnect(this);
         socket->abort();
@@ -281,7 +362,7 @@ void DirectLink::resetPending() {
     }
 }
 
-void DirectLink::established(QTcpSocket* socket, bool listeningSide) {
+void DirectLink::established(QSslSocket* socket, bool listeningSide) {
     resetPending();
     if (socket_ != nullptr) {
         socket->abort();
@@ -291,9 +372,9 @@ void DirectLink::established(QTcpSocket* socket, bool listeningSide) {
     socket_ = socket;
     socket_->setParent(this);
     socket_->setReadBufferSize(kReadBufferSize);
-    connect(socket_, &QTcpSocket::readyRead, this, &DirectLink::onReadyRead);
-    connect(socket_, &QTcpSocket::disconnected, this, [this] { dropConnection(true); });
-    connect(socket_, &QTcpSocket::errorOccurred, this, [this] {
+    connect(socket_, &QSslSocket::readyRead, this, &DirectLink::onReadyRead);
+    connect(socket_, &QSslSocket::disconnected, this, [this] { dropConnection(true); });
+    connect(socket_, &QSslSocket::errorOccurred, this, [this] {
         // A reset or a failed write: the connection is over either way.
         if (socket_ != nullptr && socket_->state() != QAbstractSocket::ConnectedState) {
             dropConnection(true);
@@ -324,6 +405,7 @@ void DirectLink::established(QTcpSocket* socket, bool listeningSide) {
     } else {
         emit line(Speaker::Connection, QStringLiteral("<b>Connection Established!</b>"));
     }
+    emit line(Speaker::Connection, encryptionLine());
     setState(State::Close);
     sendNext();
     // Whatever the peer sent while its connection waited to be taken.
@@ -336,7 +418,7 @@ void DirectLink::dropConnection(bool tell) {
     if (socket_ == nullptr) {
         return;
     }
-    QTcpSocket* socket = socket_;
+    QSslSocket* socket = socket_;
     socket_ = nullptr;
     socket->disconnect(this);
     if (sender_ != nullptr) {
@@ -544,7 +626,7 @@ void DirectLink::conversationClosing() {
     resetPending();
     waiting_.clear();
     if (socket_ != nullptr) {
-        QTcpSocket* socket = socket_;
+        QSslSocket* socket = socket_;
         socket_ = nullptr;
         socket->disconnect(this);
         if (sender_ != nullptr) {
@@ -559,6 +641,12 @@ void DirectLink::conversationClosing() {
 }
 
 void DirectLink::onHandshake(int kind, const QString& argument, const QString& address) {
+    if (kind == kFingerprint) {
+        pendingFingerprint_ = PeerCertificate::isFingerprint(argument) ? argument : QString();
+        return;
+    }
+    // A fingerprint belongs to the handshake right after it, whatever that is.
+    const QString announced = std::exchange(pendingFingerprint_, QString());
     switch (kind) {
         case kRequest: {
             if (state_ == State::Close) {
@@ -583,6 +671,7 @@ void DirectLink::onHandshake(int kind, const QString& argument, const QString& a
             }
             offerPort_ = static_cast<quint16>(port);
             offerAddress_ = PeerAddress::parse(address);
+            peerFingerprint_ = announced;
             offeredByPeer_ = true;
             emit line(Speaker::Peer, QStringLiteral("** Would like to Directly Connect.. **"));
             setState(State::Accept);
@@ -623,8 +712,10 @@ void DirectLink::onHandshake(int kind, const QString& argument, const QString& a
             }
             emit line(Speaker::Peer, QStringLiteral("  ** Attempting Direct Connection.. **"));
             const QHostAddress peerAddress = PeerAddress::parse(address);
+            peerFingerprint_ = announced;
             if (listener_.listening()) {
-                listener_.expect(peerAddress);
+                listener_.expect(peerAddress, encrypting() ? ownCertificate_ : nullptr,
+                                 peerFingerprint_);
                 return;
             }
             // Behind a firewall: the other member listens on the port it names.

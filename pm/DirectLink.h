@@ -12,12 +12,14 @@
 #include "pm/PeerListener.h"
 #include "pm/TransferProgress.h"
 
-class QTcpSocket;
+class QSslSocket;
 
 namespace tavren {
 
 class FileReceiver;
 class FileSender;
+class PeerCertificate;
+class PeerTlsHandshake;
 class Prompter;
 
 // The direct connection of one private conversation: its handshake through the server, the
@@ -38,6 +40,11 @@ class Prompter;
 // asker then connects out. A listening side takes only a connection from the address the server
 // relayed for the other member.
 //
+// A client that encrypts announces a throwaway certificate's fingerprint (kind 6) right before
+// its request or accept. When both sides announced one, the connection is TLS and each side takes
+// the other only with the certificate announced for it; otherwise it is plain, as older clients
+// speak it. The conversation says which, once the connection is up.
+//
 // Files wait their turn and go one at a time (FileSender); a file picked while there is no
 // connection asks for one and goes once it is up. A transfer that is aborted or stalls cannot be
 // finished on the stream, so it ends the connection; so does a stream the receiver
@@ -49,8 +56,9 @@ class DirectLink : public QObject {
     // Who a line of the conversation is headed by: the member, the other member, or the
     // connection itself ("Direct Connection:").
     enum class Speaker { Own, Peer, Connection };
-    // The handshake kinds of (2, 15) and (2, 17).
-    enum Kind { kRequest = 1, kCancel = 2, kError = 3, kAbort = 4, kAccept = 5 };
+    // The handshake kinds of (2, 15) and (2, 17). kFingerprint goes right before the request or
+    // accept it belongs to, and only counts for that one.
+    enum Kind { kRequest = 1, kCancel = 2, kError = 3, kAbort = 4, kAccept = 5, kFingerprint = 6 };
 
     struct Options {
         QString ownName;
@@ -58,6 +66,8 @@ class DirectLink : public QObject {
         int upperPort = 2100;
         bool tunnel = false;
         bool autoAccept = false;
+        // Announce a certificate, so that the connection is TLS when the peer announces one too.
+        bool encrypt = true;
     };
 
     static constexpr int kConnectTimeoutMs = 30000;
@@ -92,7 +102,8 @@ class DirectLink : public QObject {
     const TransferProgress& outgoing() const { return outgoing_; }
     const TransferProgress& incoming() const { return incoming_; }
     quint16 listeningPort() const { return listener_.listening() ? listener_.port() : 0; }
-    QTcpSocket* socket() const { return socket_; }
+    // The TLS version of the connection ("TLS 1.3"), or empty while it is plain or not up.
+    QString encryption() const;
 
     // What a click on the conversation's link does in the present state.
     void activateLink();
@@ -130,9 +141,14 @@ class DirectLink : public QObject {
   private:
     void setState(State state);
     bool listenInRange(quint16& port);
+    // Makes this attempt's certificate and announces it (nothing when encryption is off or
+    // unavailable: the connection is then plain).
+    void announce();
+    bool encrypting() const;
+    QString encryptionLine() const;
     void connectOut(const QHostAddress& address, quint16 port);
     void connectFailed(const QString& reason);
-    void established(QTcpSocket* socket, bool listeningSide);
+    void established(QSslSocket* socket, bool listeningSide);
     void resetPending();
     void dropConnection(bool tell);
     void onReadyRead();
@@ -155,10 +171,18 @@ class DirectLink : public QObject {
     QHostAddress offerAddress_;
     quint16 offerPort_ = 0;
 
+    // This attempt's certificate (null: none was announced), the fingerprint the other member
+    // announced with its offer or accept (empty: none), and one that came and waits for the
+    // handshake it belongs to.
+    std::shared_ptr<const PeerCertificate> ownCertificate_;
+    QString peerFingerprint_;
+    QString pendingFingerprint_;
+
     PeerListener listener_;
-    QTcpSocket* connecting_ = nullptr;
+    QSslSocket* connecting_ = nullptr;
+    PeerTlsHandshake* handshake_ = nullptr;
     QTimer connectTimer_;
-    QTcpSocket* socket_ = nullptr;
+    QSslSocket* socket_ = nullptr;
     FileSender* sender_ = nullptr;
     std::unique_ptr<FileReceiver> receiver_;
     QByteArray readBuffer_;

@@ -11,6 +11,7 @@
 #include "core/ServerSession.h"
 #include "core/protocol/Catalogue.h"
 #include "media/ScreenCapture.h"
+#include "pm/PeerCertificate.h"
 #include "pm/PrivateChats.h"
 #include "pm/PrivateMessage.h"
 #include "pm/ReceivedFileName.h"
@@ -22,6 +23,11 @@ namespace tavren {
 
 namespace in = protocol::server_to_client;
 namespace out = protocol::client_to_server;
+
+namespace {
+constexpr std::size_t kMaxKeptFingerprints = 100;
+constexpr qsizetype kFingerprintFields = 32;
+}  // namespace
 
 DirectLinks::DirectLinks(ServerSession& server, Settings& settings, PrivateChats& chats,
                          const ChatLineFormatter& formatter, Prompter& prompter,
@@ -121,6 +127,7 @@ void DirectLinks::applyOptions(DirectLink& link) {
     options.upperPort = values.upperRange;
     options.tunnel = values.tunnel;
     options.autoAccept = values.autoAccept;
+    options.encrypt = encrypting_;
     link.setOptions(options);
 }
 
@@ -298,13 +305,34 @@ void DirectLinks::onDirectConnection(const ServerMessage& message) {
     bool isNumber = false;
     const int kind = fields.at(1).toInt(&isNumber);
     if (!PrivateMessage::isPlausibleName(sender) || !isNumber || kind < DirectLink::kRequest ||
-        kind > DirectLink::kAccept || fields.at(1).size() != 1 || chats_.isIgnored(sender)) {
+        kind > DirectLink::kFingerprint || fields.at(1).size() != 1 || chats_.isIgnored(sender)) {
         return;
     }
-    const QString argument = fields.at(2);
-    const QString address = fields.mid(3).join(QLatin1Char(':'));
+    QString argument = fields.at(2);
+    QString address = fields.mid(3).join(QLatin1Char(':'));
+    if (kind == DirectLink::kFingerprint) {
+        // A fingerprint is 32 hex pairs joined by ":", so it spans 32 fields.
+        argument = fields.mid(2, kFingerprintFields).join(QLatin1Char(':'));
+        address = fields.mid(2 + kFingerprintFields).join(QLatin1Char(':'));
+    }
+    // The sender's fingerprint, if one came right before this handshake: it counts for this one
+    // only.
+    const auto kept = fingerprints_.find(sender.toLower());
+    QString fingerprint;
+    if (kept != fingerprints_.end()) {
+        fingerprint = kept->second;
+        fingerprints_.erase(kept);
+    }
     int position = chats_.positionOf(sender);
     if (position < 0) {
+        if (kind == DirectLink::kFingerprint) {
+            // Kept for the offer that follows; one per member, and a server's worth at most.
+            if (fingerprints_.size() < kMaxKeptFingerprints &&
+                PeerCertificate::isFingerprint(argument)) {
+                fingerprints_[sender.toLower()] = argument;
+            }
+            return;
+        }
         // Only an offer opens a conversation; the rest belong to one that is gone.
         if (kind != DirectLink::kRequest || settings_.values().ignorePms) {
             return;
@@ -315,6 +343,9 @@ void DirectLinks::onDirectConnection(const ServerMessage& message) {
         }
     }
     if (DirectLink* target = link(position)) {
+        if (!fingerprint.isEmpty()) {
+            target->onHandshake(DirectLink::kFingerprint, fingerprint, address);
+        }
         target->onHandshake(kind, argument, address);
     }
 }

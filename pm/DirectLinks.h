@@ -26,7 +26,8 @@ class Settings;
 // links say as lines of their conversation, and shows the files they receive and send: pictures
 // inline, other files as links that open the file. An offer from a member with no open
 // conversation opens one (unless that member is ignored, or "Dim Private Messages" keeps new
-// conversations out); other handshakes without a conversation are dropped.
+// conversations out); other handshakes without a conversation are dropped, except a certificate's
+// fingerprint, which is kept for the offer that comes right after it.
 class DirectLinks : public QObject {
     Q_OBJECT
   public:
@@ -37,6 +38,9 @@ class DirectLinks : public QObject {
 
     // "<data root>/downloaded": received files and the member's own screen captures.
     QString downloadFolder() const { return downloadFolder_; }
+    // Whether the links announce a certificate (on unless turned off; off, they speak as an older
+    // client does and every connection is plain).
+    void setEncrypting(bool on) { encrypting_ = on; }
 
     // The link of the conversation at `position` (made when needed), or null.
     DirectLink* link(int position);
@@ -97,6 +101,10 @@ class DirectLinks : public QObject {
     QString dataRoot_;
     QString downloadFolder_;
     std::map<int, DirectLink*> links_;
+    // Fingerprints from members without a conversation (yet), by lower-case name, each waiting
+    // for the offer it precedes.
+    std::map<QString, QString> fingerprints_;
+    bool encrypting_ = true;
     ShownFiles shown_;
     std::function<void(const QString&)> opener_;
 };

@@ -1,7 +1,7 @@
 #include "pm/FileSender.h"
 
 #include <QFileInfo>
-#include <QTcpSocket>
+#include <QSslSocket>
 
 #include "core/WireText.h"
 #include "core/protocol/TransferFrame.h"
@@ -19,11 +19,20 @@ qint64 nextRead(qint64 remaining) {
 
 }  // namespace
 
-FileSender::FileSender(QTcpSocket& socket, QObject* parent) : QObject(parent), socket_(socket) {
+FileSender::FileSender(QTcpSocket& socket, QObject* parent)
+    : QObject(parent), socket_(socket), secure_(qobject_cast<QSslSocket*>(&socket)) {
     stall_.setSingleShot(true);
     stall_.setInterval(kStallTimeoutMs);
     connect(&stall_, &QTimer::timeout, this, [this] { fail(Failure::Stalled); });
     connect(&socket_, &QTcpSocket::bytesWritten, this, &FileSender::onBytesWritten);
+    if (secure_ != nullptr) {
+        connect(secure_, &QSslSocket::encryptedBytesWritten, this, &FileSender::onBytesWritten);
+    }
+}
+
+qint64 FileSender::waiting() const {
+    // Outside TLS the encrypted count is 0 and bytesToWrite is the socket's own queue.
+    return socket_.bytesToWrite() + (secure_ != nullptr ? secure_->encryptedBytesToWrite() : 0);
 }
 
 std::vector<qint64> FileSender::blockReads(qint64 size) {
@@ -71,7 +80,7 @@ FileSender::Refusal FileSender::start(const QString& path) {
     written_ = 0;
     allQueued_ = false;
     running_ = true;
-    socket_.write(start->data(), static_cast<qint64>(start->size()));
+    handed_ = socket_.write(start->data(), static_cast<qint64>(start->size()));
     stall_.start();
     pump();
     return Refusal::None;
@@ -86,7 +95,7 @@ void FileSender::cancel() {
 }
 
 void FileSender::pump() {
-    while (running_ && !allQueued_ && socket_.bytesToWrite() < kWindow) {
+    while (running_ && !allQueued_ && waiting() < kWindow) {
         const qint64 remaining = size_ - sent_;
         const qint64 wanted = nextRead(remaining);
         const bool last = wanted > remaining;
@@ -99,25 +108,28 @@ void FileSender::pump() {
             fail(Failure::FileChanged);
             return;
         }
-        socket_.write(block_.constData(), got);
+        handed_ += socket_.write(block_.constData(), got);
         sent_ += got;
         if (last) {
-            socket_.write(protocol::kTransferDataEnd.data(),
-                          static_cast<qint64>(protocol::kTransferDataEnd.size()));
+            handed_ += socket_.write(protocol::kTransferDataEnd.data(),
+                                     static_cast<qint64>(protocol::kTransferDataEnd.size()));
             file_.close();
             allQueued_ = true;
         }
     }
 }
 
-void FileSender::onBytesWritten(qint64 bytes) {
+void FileSender::onBytesWritten() {
     if (!running_) {
         return;
     }
-    written_ = qMin(total_, written_ + bytes);
+    const qint64 pending = waiting();
+    // Encrypted records are a little longer than what they carry, so over TLS this lags the
+    // truth by a few bytes per record until the queue is empty; it never goes back.
+    written_ = qBound(written_, handed_ - pending, total_);
     stall_.start();
     emit progressed();
-    if (allQueued_ && socket_.bytesToWrite() == 0) {
+    if (allQueued_ && pending == 0) {
         running_ = false;
         stall_.stop();
         emit finished();

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <vector>
 
+class QSslSocket;
 class QTcpSocket;
 
 namespace tavren {
@@ -18,6 +19,10 @@ namespace tavren {
 // (if the file grew meanwhile) is dropped; a file of exactly 2048 bytes is thus one read of 2049.
 // Blocks are handed to the socket while less than kWindow bytes wait in it, which keeps a fast
 // link busy and the memory used bounded, however large the file.
+//
+// Over TLS the socket takes the plain bytes into its TLS engine at once (bytesWritten) and holds
+// the encrypted records until they leave (encryptedBytesWritten): both count as waiting, so the
+// bound and the stall rule hold for what really left, encrypted or not.
 //
 // The sender gives up when no byte has left for `stallTimeout` (30 s): the peer is not reading.
 // A file that shrinks while it is read cannot fill the frame it announced: that fails too.
@@ -60,15 +65,19 @@ class FileSender : public QObject {
     void failed(FileSender::Failure failure);
 
   private:
-    void onBytesWritten(qint64 bytes);
+    void onBytesWritten();
+    // Bytes handed to the socket that have not left yet.
+    qint64 waiting() const;
     void pump();
     void fail(Failure failure);
 
     QTcpSocket& socket_;
+    QSslSocket* secure_;  // the same socket when it can be encrypted
     QFile file_;
     QTimer stall_;
     qint64 size_ = 0;
-    qint64 sent_ = 0;  // file bytes handed to the socket
+    qint64 sent_ = 0;    // file bytes handed to the socket
+    qint64 handed_ = 0;  // frame bytes handed to the socket
     qint64 written_ = 0;
     qint64 total_ = 0;
     bool running_ = false;

@@ -40,6 +40,10 @@ QHostAddress PeerAddress::parse(const QString& field) {
     return plain(address);
 }
 
+QString PeerAddress::text(const QHostAddress& address) {
+    return plain(address).toString();
+}
+
 bool PeerAddress::same(const QHostAddress& from, const QHostAddress& expected) {
     return !from.isNull() && !expected.isNull() && plain(from) == plain(expected);
 }

@@ -15,6 +15,8 @@ class PeerAddress {
     // Whether a connection from `from` comes from `expected`: an IPv4-mapped IPv6 address counts
     // as the IPv4 address it carries, and a scope does not matter.
     static bool same(const QHostAddress& from, const QHostAddress& expected);
+    // How an address is shown to the member: an IPv4-mapped IPv6 address as the IPv4 address.
+    static QString text(const QHostAddress& address);
 };
 
 }  // namespace tavren

@@ -1,6 +1,8 @@
 // Two members send each other files over a direct connection whose handshake the real tavrend
-// relays: the offer opens the other's conversation, pictures show inline, a transfer cancelled
-// midway leaves nothing behind, and an offer to somebody offline gets the server's notice.
+// relays: the offer opens the other's conversation, the connection is TLS with the certificates
+// the server relayed (plain with a client that announces none), pictures show inline, a transfer
+// cancelled midway leaves nothing behind, and an offer to somebody offline gets the server's
+// notice.
 #include <gtest/gtest.h>
 
 #include <QDir>
@@ -116,6 +118,11 @@ TEST_F(DirectLinkIntegrationTest, AFileAndAPictureCrossThroughTheRelayedHandshak
     ASSERT_TRUE(
         alice.waitForLineWith(bobName, QStringLiteral("** Attempting Direct Connection.. **")));
     ASSERT_TRUE(bob.waitForLineWith(aliceName, QStringLiteral("Connection Established!")));
+    // The fingerprints came through the server with the offer and the accept: TLS, and both
+    // conversations say so.
+    const QString encrypted = QStringLiteral("** Direct connection encrypted (TLS 1.3) **");
+    EXPECT_TRUE(bob.waitForLineWith(aliceName, encrypted));
+    EXPECT_TRUE(alice.waitForLineWith(bobName, encrypted));
     ASSERT_TRUE(bob.waitForLineWith(aliceName, QStringLiteral("id='file' title='report.tar.gz'")));
     EXPECT_EQ(QFileInfo(bob.downloaded(QStringLiteral("report.tar.gz"))).size(),
               3 * 1024 * 1024 + 11);
@@ -147,6 +154,35 @@ TEST_F(DirectLinkIntegrationTest, AFileAndAPictureCrossThroughTheRelayedHandshak
         QUrl::fromLocalFile(QDir(root.path()).filePath(QStringLiteral("tavrend.db")))));
     // The sender's own file is shown where it is, and opens from there.
     EXPECT_TRUE(alice.links().openLink(QUrl::fromLocalFile(file)));
+}
+
+// Bob's client announces no certificate, as an older one does not: the connection is plain, the
+// file arrives all the same, and each conversation says that it is not encrypted.
+TEST_F(DirectLinkIntegrationTest, AClientThatAnnouncesNoCertificateGetsThePlainTransfer) {
+    const QString aliceName = QStringLiteral("alice");
+    const QString bobName = QStringLiteral("bob");
+    bob.links().setEncrypting(false);
+    SettingsValues values = bob.session->settings().values();
+    values.autoAccept = true;
+    bob.session->settings().setValues(values);
+    const QString file = write(QStringLiteral("plain.bin"), 1024 * 1024 + 3);
+    ASSERT_TRUE(alice.links().sendFile(alice.chats().openConversation(bobName), file));
+    ASSERT_TRUE(bob.waitForLineWith(aliceName, QStringLiteral("id='file' title='plain.bin'")))
+        << server->log().toStdString();
+    QFile sent(file);
+    QFile got(bob.downloaded(QStringLiteral("plain.bin")));
+    ASSERT_TRUE(sent.open(QIODevice::ReadOnly) && got.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(sent.readAll() == got.readAll());
+    EXPECT_FALSE(
+        alice.linesWith(bobName)
+            .filter(QStringLiteral(
+                "** Direct connection NOT encrypted (bob's client is an older version) **"))
+            .isEmpty());
+    EXPECT_FALSE(bob.linesWith(aliceName)
+                     .filter(QStringLiteral(
+                         "** Direct connection NOT encrypted (encryption is off here) **"))
+                     .isEmpty());
+    EXPECT_TRUE(alice.linesWith(bobName).filter(QStringLiteral("connection encrypted")).isEmpty());
 }
 
 TEST_F(DirectLinkIntegrationTest, ATransferCancelledMidwayLeavesBothConversationsAndNoFile) {

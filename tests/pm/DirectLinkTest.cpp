@@ -1,12 +1,16 @@
 // Direct connections on real loopback sockets: two links whose handshake the test relays as the
 // server would, and raw peers for what a correct client never does (lying frames, hostile names,
-// strangers, a peer that stops reading or goes away mid-file).
+// strangers, a peer that stops reading or goes away mid-file). The links encrypt unless a test
+// turns that off, so the transfers here run inside TLS; strangers with certificates of their own
+// show that only the announced one gets in.
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QRandomGenerator>
+#include <QSslConfiguration>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QTemporaryDir>
@@ -16,6 +20,9 @@
 #include "connection/Wait.h"
 #include "core/protocol/TransferFrame.h"
 #include "pm/DirectLink.h"
+#include "pm/FileSender.h"
+#include "pm/PeerCertificate.h"
+#include "pm/PeerServer.h"
 #include "support/ScriptedPrompter.h"
 
 namespace tavren {
@@ -72,7 +79,14 @@ struct Side {
                          });
         QObject::connect(&link, &DirectLink::handshake, &link,
                          [this](int kind, const QString& argument) {
+                             if (kind == DirectLink::kFingerprint) {
+                                 announced << argument;
+                                 return;
+                             }
                              sent << QString::number(kind) + QLatin1Char(':') + argument;
+                             // A fingerprint goes right before the request or accept it is for.
+                             fingerprintWith << (announced.size() > announcedBefore);
+                             announcedBefore = announced.size();
                          });
     }
     void setOption(bool DirectLink::Options::*option, bool value) {
@@ -99,7 +113,21 @@ struct Side {
     QStringList shown;
     QStringList shownPaths;
     QStringList sent;
+    QStringList announced;
+    // For each of `sent`: whether a fingerprint came right before it.
+    QList<bool> fingerprintWith;
+    qsizetype announcedBefore = 0;
 };
+
+// A TLS socket of the test's own on the far side of a link, presenting `certificate` and trusting
+// anything (the side under test is the one that must check).
+void encryptWith(QSslSocket& socket, const PeerCertificate& certificate) {
+    QSslConfiguration configuration = socket.sslConfiguration();
+    configuration.setLocalCertificate(certificate.certificate());
+    configuration.setPrivateKey(certificate.key());
+    configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
+    socket.setSslConfiguration(configuration);
+}
 
 // The ports of each test's range, away from the defaults and from each other's tests.
 int portsFor(int slot) {
@@ -157,6 +185,17 @@ TEST_F(DirectLinkTest, TheHandshakeConnectsAndFilesGoBothWaysWhole) {
     ASSERT_TRUE(bob.waitSaid(QStringLiteral("<b>Connection Established!</b>")));
     EXPECT_TRUE(alice.said(QStringLiteral("  ** Attempting Direct Connection.. **")));
     EXPECT_EQ(alice.link.linkText(), QStringLiteral("- Abort Direct Connection.."));
+    // Each announced a certificate right before its request or accept, so the connection is TLS
+    // and both conversations say so.
+    ASSERT_EQ(alice.announced.size(), 1);
+    ASSERT_EQ(bob.announced.size(), 1);
+    EXPECT_TRUE(PeerCertificate::isFingerprint(alice.announced.first()));
+    EXPECT_NE(alice.announced.first(), bob.announced.first());
+    EXPECT_EQ(alice.fingerprintWith, QList<bool>{true});
+    EXPECT_EQ(bob.fingerprintWith, QList<bool>{true});
+    EXPECT_TRUE(alice.said(QStringLiteral("** Direct connection encrypted (TLS 1.3) **")));
+    EXPECT_TRUE(bob.said(QStringLiteral("** Direct connection encrypted (TLS 1.3) **")));
+    EXPECT_EQ(bob.link.encryption(), QStringLiteral("TLS 1.3"));
 
     // A file of exactly one block, a picture, and a larger file the other way at the same time.
     const QByteArray block = randomBytes(2048);
@@ -218,6 +257,110 @@ TEST_F(DirectLinkTest, BehindAFirewallTheSidesSwapAndAFileWaitsForTheConnection)
     EXPECT_EQ(readFile(bob.downloaded(QStringLiteral("w.dat"))), bytes);
     EXPECT_TRUE(bob.said(QStringLiteral("<b>Connection has been established!</b>")));
     EXPECT_TRUE(alice.said(QStringLiteral("<b>Connection Established!</b>")));
+    // Swapped roles, the same TLS: the listening side is the TLS server.
+    EXPECT_EQ(alice.fingerprintWith, QList<bool>{true});
+    EXPECT_EQ(bob.fingerprintWith, QList<bool>{true});
+    EXPECT_TRUE(alice.said(QStringLiteral("** Direct connection encrypted (TLS 1.3) **")));
+    EXPECT_TRUE(bob.said(QStringLiteral("** Direct connection encrypted (TLS 1.3) **")));
+}
+
+// A client that announces nothing (an older one) gets the plain connection it speaks, and both
+// conversations say that it is not encrypted. A fingerprint counts only for the handshake right
+// after it, so a stray one earlier changes nothing.
+TEST_F(DirectLinkTest, AnOlderPeerGetsAPlainConnectionAndBothConversationsSaySo) {
+    alice.setOption(&DirectLink::Options::encrypt, false);
+    const auto stray = PeerCertificate::make();
+    ASSERT_NE(stray, nullptr);
+    bob.link.onHandshake(DirectLink::kFingerprint, stray->fingerprint(),
+                         QStringLiteral("127.0.0.1"));
+    bob.link.onHandshake(DirectLink::kCancel, QStringLiteral("0"), QStringLiteral("127.0.0.1"));
+    connectBoth();
+    EXPECT_TRUE(alice.announced.isEmpty());
+    EXPECT_EQ(bob.announced.size(), 1);
+    EXPECT_TRUE(
+        alice.said(QStringLiteral("** Direct connection NOT encrypted (encryption is off "
+                                  "here) **")));
+    EXPECT_TRUE(bob.said(
+        QStringLiteral("** Direct connection NOT encrypted (alice's client is an older version) "
+                       "**")));
+    EXPECT_TRUE(bob.link.encryption().isEmpty());
+    const QByteArray bytes = randomBytes(300000);
+    ASSERT_TRUE(
+        alice.link.sendFile(writeFile(alice.home.filePath(QStringLiteral("old.bin")), bytes)));
+    ASSERT_TRUE(waitUntil([&] { return bob.shown.size() == 1; }));
+    EXPECT_EQ(readFile(bob.downloaded(QStringLiteral("old.bin"))), bytes);
+}
+
+// Somebody behind the peer's own address who connects first, with a certificate of its own or
+// speaking plain, is refused after its handshake, and the conversation says so; the port stays
+// open for the peer, who then gets in.
+TEST_F(DirectLinkTest, OnTheListeningPortOnlyTheAnnouncedCertificateGetsIn) {
+    alice.link.request();
+    const quint16 port = alice.link.listeningPort();
+    ASSERT_TRUE(waitUntil([&] { return bob.link.state() == State::Accept; }));
+    const auto other = PeerCertificate::make();
+    ASSERT_NE(other, nullptr);
+    QSslSocket impostor;
+    encryptWith(impostor, *other);
+    impostor.connectToHostEncrypted(QStringLiteral("127.0.0.1"), port);
+    QTcpSocket plain;
+    plain.connectToHost(QHostAddress::LocalHost, port);
+    ASSERT_TRUE(plain.waitForConnected(5000));
+    plain.write(frame("early.txt", "not encrypted"));
+    runEventsFor(100);  // held until the accept says who may come
+
+    bob.link.accept();
+    ASSERT_TRUE(waitUntil(
+        [&] { return alice.link.state() == State::Close && bob.link.state() == State::Close; }));
+    ASSERT_TRUE(waitUntil([&] {
+        return impostor.state() == QAbstractSocket::UnconnectedState &&
+               plain.state() == QAbstractSocket::UnconnectedState;
+    }));
+    const QString refused =
+        QStringLiteral("** Refused a connection from 127.0.0.1: it is not bob's client (");
+    EXPECT_EQ(alice.lines.filter(refused).size(), 2) << alice.lines.join('\n').toStdString();
+    EXPECT_TRUE(alice.lines.contains(
+        refused + QStringLiteral("its certificate is not the one the server announced for this "
+                                 "member) **")));
+    EXPECT_TRUE(alice.said(QStringLiteral("** Direct connection encrypted (TLS 1.3) **")));
+    const QByteArray bytes = randomBytes(70000);
+    ASSERT_TRUE(bob.link.sendFile(writeFile(bob.home.filePath(QStringLiteral("real.bin")), bytes)));
+    ASSERT_TRUE(waitUntil([&] { return alice.shown.size() == 1; }));
+    EXPECT_EQ(readFile(alice.downloaded(QStringLiteral("real.bin"))), bytes);
+    EXPECT_FALSE(QFile::exists(alice.downloaded(QStringLiteral("early.txt"))));
+}
+
+// Connecting out to a port where somebody else answers with a certificate that is not the one
+// announced: nothing is sent, the member is told, and so is the other member.
+TEST_F(DirectLinkTest, ConnectingToACertificateOtherThanTheAnnouncedOneIsRefused) {
+    const auto announced = PeerCertificate::make();
+    const auto other = PeerCertificate::make();
+    ASSERT_TRUE(announced != nullptr && other != nullptr);
+    PeerServer squatter;
+    ASSERT_TRUE(squatter.listen(QHostAddress::LocalHost, 0));
+    QObject::connect(&squatter, &QTcpServer::newConnection, &squatter, [&] {
+        while (QTcpSocket* next = squatter.nextPendingConnection()) {
+            auto* socket = static_cast<QSslSocket*>(next);
+            encryptWith(*socket, *other);
+            socket->startServerEncryption();
+        }
+    });
+    bob.link.onHandshake(DirectLink::kFingerprint, announced->fingerprint(),
+                         QStringLiteral("127.0.0.1"));
+    bob.link.onHandshake(DirectLink::kRequest, QString::number(squatter.serverPort()),
+                         QStringLiteral("127.0.0.1"));
+    const QString file = writeFile(bob.home.filePath(QStringLiteral("secret.txt")), "secret");
+    ASSERT_TRUE(bob.link.sendFile(file));  // accepts the offer
+    const QString reason = QStringLiteral(
+        "the other side is not alice's client: its certificate is not the one the server "
+        "announced for this member");
+    ASSERT_TRUE(bob.waitSaid(QStringLiteral("** Error: You Could NOT Connect Because: (") + reason +
+                             QStringLiteral(") **")))
+        << bob.lines.join('\n').toStdString();
+    EXPECT_EQ(bob.sent.last(), QStringLiteral("3:") + reason);
+    EXPECT_EQ(bob.link.state(), State::Connect);
+    EXPECT_EQ(bob.link.waitingFiles(), 0);
+    EXPECT_TRUE(bob.shown.isEmpty());
 }
 
 // Both ask at once: the member whose name sorts first keeps the request, the other accepts it.
@@ -460,6 +603,43 @@ TEST_F(RawPeerTest, AOneBlockFileIsTheFrameByteForByte) {
     }));
     EXPECT_EQ(got, expected);
     ASSERT_TRUE(waitUntil([&] { return alice.shown.size() == 1; }));
+}
+
+// Inside TLS the socket takes the plain bytes into its engine at once and keeps the encrypted
+// records until they leave. Those count against the window too: a peer that stops reading holds
+// the file up after a few MiB instead of the whole file piling up encrypted in memory.
+TEST(FileSenderTlsTest, APeerThatStopsReadingHoldsTheFileUpInsideTls) {
+    QTemporaryDir home;
+    const auto mine = PeerCertificate::make();
+    const auto theirs = PeerCertificate::make();
+    ASSERT_TRUE(mine != nullptr && theirs != nullptr);
+    PeerServer listener;
+    ASSERT_TRUE(listener.listen(QHostAddress::LocalHost, 0));
+    QSslSocket* deaf = nullptr;
+    QObject::connect(&listener, &QTcpServer::newConnection, &listener, [&] {
+        deaf = static_cast<QSslSocket*>(listener.nextPendingConnection());
+        encryptWith(*deaf, *theirs);
+        deaf->startServerEncryption();
+    });
+    QSslSocket socket;
+    encryptWith(socket, *mine);
+    socket.connectToHostEncrypted(QStringLiteral("127.0.0.1"), listener.serverPort());
+    ASSERT_TRUE(waitUntil([&] { return socket.isEncrypted() && deaf && deaf->isEncrypted(); }));
+    deaf->setReadBufferSize(1);
+
+    QFile file(home.filePath(QStringLiteral("big.bin")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(qint64{256} << 20));
+    file.close();
+    FileSender sender(socket);
+    sender.setStallTimeout(300);
+    bool stalled = false;
+    QObject::connect(&sender, &FileSender::failed, &sender, [&](FileSender::Failure failure) {
+        stalled = failure == FileSender::Failure::Stalled;
+    });
+    ASSERT_EQ(sender.start(file.fileName()), FileSender::Refusal::None);
+    ASSERT_TRUE(waitUntil([&] { return stalled; }));
+    EXPECT_LT(socket.bytesToWrite() + socket.encryptedBytesToWrite(), 2 * FileSender::kWindow);
+    EXPECT_LT(sender.written(), qint64{64} << 20);
 }
 
 }  // namespace
