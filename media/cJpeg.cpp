@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "media/jpeg/FrameTransformer.h"
+#include "media/jpeg/ImageRows.h"
 #include "media/jpeg/JpegConstants.h"
 #include "media/jpeg/ThreadBudget.h"
 
@@ -42,11 +43,20 @@ void cJpeg::SampleHDC(const cImage& source, int width, int height, int x, int y)
         height > source.Height() - y) {
         throw std::out_of_range("SampleHDC: rectangle outside the picture");
     }
+    jpeg::ImageRows rows(source.ScanLine(y) + 3 * static_cast<std::size_t>(x),
+                         static_cast<std::ptrdiff_t>(source.BytesPerScanLine()), width, height,
+                         jpeg::PixelLayout::kRgb24);
+    Sample(rows);
+}
+
+void cJpeg::Sample(jpeg::PixelRows& source) {
     try {
-        sampled_.Prepare(width, height, sampling_);
-        jpeg::FrameTransformer::Transform(source, x, y, sampled_, ThreadsNow());
+        layout_.Prepare(source.Width(), source.Height(), sampling_);
+        jpeg::FrameTransformer::Transform(source, layout_, quantization_, ThreadsNow(), blocks_);
     } catch (...) {
-        sampled_.Clear();  // never encode half a picture
+        // Never encode half a picture.
+        layout_.Clear();
+        blocks_.Clear();
         throw;
     }
 }
@@ -69,15 +79,14 @@ int cJpeg::ThreadsNow() const {
 }
 
 void cJpeg::EncodeIntoBuffer() {
-    if (sampled_.Empty()) {
+    if (layout_.Empty() || blocks_.Empty()) {
         throw std::logic_error("cJpeg: nothing sampled");
     }
     jpeg::FrameEncoder::Settings settings;
-    settings.quantization = {&quantization_[0], &quantization_[1]};
     settings.comment = comment_;
     settings.identification = kIdentification;
     settings.threads = ThreadsNow();
-    encoder_.Encode(sampled_, settings, output_);
+    encoder_.Encode(layout_, blocks_, settings, output_);
 }
 
 std::vector<std::uint8_t> cJpeg::Encode() {

@@ -9,10 +9,12 @@
 #include "media/JpegError.h"
 #include "media/JpegFileError.h"
 #include "media/cImage.h"
+#include "media/jpeg/BlockLayout.h"
 #include "media/jpeg/FrameEncoder.h"
 #include "media/jpeg/OutputBuffer.h"
+#include "media/jpeg/PixelRows.h"
 #include "media/jpeg/QuantizationTable.h"
-#include "media/jpeg/TransformedImage.h"
+#include "media/jpeg/QuantizedBlocks.h"
 
 namespace tavren {
 
@@ -40,10 +42,14 @@ class cJpeg {
     void SetSamplingFrequencies(int h1, int v1, int h2, int v2, int h3, int v3);
 
     // Converts the width x height rectangle of `source` whose top-left corner is (x, y) into
-    // sample blocks, extended to whole MCUs by repeating the last column and row. The sampling
-    // in force now is the one SaveFile will write. A rectangle that is empty, larger than
-    // 65535 or not inside the source raises std::out_of_range.
+    // sample blocks, extended to whole MCUs by repeating the last column and row, and takes
+    // them through the DCT and quantisation at once: the quality and sampling in force now are
+    // the ones SaveFile will write. A rectangle that is empty, larger than 65535 or not inside
+    // the source raises std::out_of_range.
     void SampleHDC(const cImage& source, int width, int height, int x = 0, int y = 0);
+    // The same for a whole picture given line by line (a file read as it goes, a screen grab
+    // in its own pixel layout). Whatever the source raises leaves nothing sampled.
+    void Sample(jpeg::PixelRows& source);
 
     const std::string& Comment() const { return comment_; }
     // Raises "Illegal Comment Length" above 65535 characters.
@@ -74,7 +80,8 @@ class cJpeg {
     std::vector<jpeg::ComponentSampling> sampling_;
     std::string comment_;
     int threads_ = 0;
-    jpeg::TransformedImage sampled_;  // the sampled picture, already through the DCT
+    jpeg::BlockLayout layout_;      // the sampled picture's geometry
+    jpeg::QuantizedBlocks blocks_;  // and its blocks, quantised
     jpeg::FrameEncoder encoder_;
     jpeg::OutputBuffer output_;
 };

@@ -8,22 +8,14 @@
 
 namespace tavren::jpeg {
 
-ColorSampler::ColorSampler(const tavren::cImage& source, int left, int top,
-                           const TransformedImage& layout)
+ColorSampler::ColorSampler(PixelRows& source, const BlockLayout& layout)
     : source_(source),
-      left_(left),
-      top_(top),
       layout_(layout),
-      vector420_(Is420(layout) && CpuFeatures::HasAvx2()) {
-    const int paddedWidth = layout.McusAcross() * layout.McuWidth();
-    columnOffset_.resize(paddedWidth);
-    for (int x = 0; x < paddedWidth; ++x) {
-        // Past the right edge the last column repeats.
-        columnOffset_[x] = 3 * static_cast<std::size_t>(left + std::min(x, layout.Width() - 1));
-    }
-}
+      vector420_(Is420(layout) && CpuFeatures::HasAvx2()),
+      bytesPerPixel_(BytesPerPixel(source.Layout())),
+      lines_(static_cast<std::size_t>(layout.McuHeight())) {}
 
-bool ColorSampler::Is420(const TransformedImage& layout) {
+bool ColorSampler::Is420(const BlockLayout& layout) {
     return layout.ComponentCount() == 3 && layout.Component(0).horizontal == 2 &&
            layout.Component(0).vertical == 2 && layout.Component(1).horizontal == 1 &&
            layout.Component(1).vertical == 1 && layout.Component(2).horizontal == 1 &&
@@ -38,29 +30,40 @@ void ColorSampler::SampleRow(int mcuRow, std::int16_t* blocks) {
     }
 }
 
-const std::uint8_t* ColorSampler::ExtendedRow(int line, int slot) {
+void ColorSampler::FetchLines(int mcuRow) {
     const int width = layout_.Width();
-    const std::uint8_t* row = SourceRow(line);
     const int paddedWidth = layout_.McusAcross() * layout_.McuWidth();
-    if (width == paddedWidth) {
-        return row;
+    const std::size_t lineBytes = static_cast<std::size_t>(bytesPerPixel_) * width;
+    const std::size_t paddedBytes = static_cast<std::size_t>(bytesPerPixel_) * paddedWidth;
+    if (width != paddedWidth) {
+        extended_.resize(lines_.size() * paddedBytes);
     }
-    const std::size_t rowBytes = 3 * static_cast<std::size_t>(paddedWidth);
-    extended_.resize(2 * rowBytes);
-    std::uint8_t* copy = extended_.data() + slot * rowBytes;
-    std::memcpy(copy, row, 3 * static_cast<std::size_t>(width));
-    for (int x = width; x < paddedWidth; ++x) {
-        std::memcpy(copy + 3 * x, row + 3 * (width - 1), 3);
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        const int y =
+            std::min(mcuRow * layout_.McuHeight() + static_cast<int>(i), layout_.Height() - 1);
+        const std::uint8_t* line = source_.Line(y);
+        if (width == paddedWidth) {
+            lines_[i] = line;
+            continue;
+        }
+        std::uint8_t* copy = extended_.data() + i * paddedBytes;
+        std::memcpy(copy, line, lineBytes);
+        for (std::size_t at = lineBytes; at < paddedBytes; at += bytesPerPixel_) {
+            std::memcpy(copy + at, line + lineBytes - bytesPerPixel_, bytesPerPixel_);
+        }
+        lines_[i] = copy;
     }
-    return copy;
 }
 
 void ColorSampler::SampleRowPortable(int mcuRow, std::int16_t* blocks) {
-    const int height = layout_.Height();
+    FetchLines(mcuRow);
     const int maxHorizontal = layout_.MaxHorizontal();
     const int maxVertical = layout_.MaxVertical();
     const bool grey = layout_.ComponentCount() == 1;
-    const int rowTop = mcuRow * layout_.McuHeight();
+    // Where red, green and blue lie within a pixel.
+    const bool rgb = source_.Layout() == PixelLayout::kRgb24;
+    const int redAt = rgb ? 0 : 2;
+    const int blueAt = rgb ? 2 : 0;
     for (int c = 0; c < layout_.ComponentCount(); ++c) {
         const ComponentSampling& component = layout_.Component(c);
         const bool luma = grey || c == 0;
@@ -81,13 +84,13 @@ void ColorSampler::SampleRowPortable(int mcuRow, std::int16_t* blocks) {
                 std::int64_t green = 0;
                 std::int64_t blue = 0;
                 for (int line = firstLine; line < endLine; ++line) {
-                    const std::uint8_t* row =
-                        source_.ScanLine(top_ + std::min(rowTop + line, height - 1));
+                    const std::uint8_t* row = lines_[static_cast<std::size_t>(line)];
                     for (int column = firstColumn; column < endColumn; ++column) {
-                        const std::uint8_t* pixel = row + columnOffset_[column];
-                        red += pixel[0];
+                        const std::uint8_t* pixel =
+                            row + static_cast<std::size_t>(column) * bytesPerPixel_;
+                        red += pixel[redAt];
                         green += pixel[1];
-                        blue += pixel[2];
+                        blue += pixel[blueAt];
                     }
                 }
                 const int pixels = (endLine - firstLine) * (endColumn - firstColumn);

@@ -1,24 +1,23 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <vector>
 
-#include "media/cImage.h"
-#include "media/jpeg/TransformedImage.h"
+#include "media/jpeg/BlockLayout.h"
+#include "media/jpeg/PixelRows.h"
 
 namespace tavren::jpeg {
 
-// Turns a rectangle of a picture into sample blocks, one MCU row at a time: every pixel to Y
-// (and Cb, Cr), each component reduced to its sampling factors by averaging the pixel area one
-// sample stands for, the picture extended to whole MCUs by repeating its last column and last
-// row. Samples are fixed point (kSampleFractionBits) and centred on 0. One sampler per thread.
+// Turns pixels into sample blocks, one MCU row at a time: every pixel to Y (and Cb, Cr), each
+// component reduced to its sampling factors by averaging the pixel area one sample stands for,
+// the picture extended to whole MCUs by repeating its last column and last row. Samples are
+// fixed point (kSampleFractionBits) and centred on 0. One sampler per thread.
 class ColorSampler {
   public:
-    // The rectangle (left, top, layout.Width(), layout.Height()) must lie inside `source`.
-    ColorSampler(const tavren::cImage& source, int left, int top, const TransformedImage& layout);
+    // `source` is the picture, layout.Width() x layout.Height() pixels.
+    ColorSampler(PixelRows& source, const BlockLayout& layout);
 
-    // Writes the samples of one MCU row to `blocks`: McusAcross() x BlocksPerMcu() blocks of 64
+    // Writes the samples of one MCU row to `blocks`: layout.BlocksPerMcuRow() blocks of 64
     // samples, in the layout's block order. Picks the fastest route this CPU has.
     void SampleRow(int mcuRow, std::int16_t* blocks);
 
@@ -28,7 +27,7 @@ class ColorSampler {
     // Callable only when the CPU has AVX2.
     void SampleRow420Avx2(int mcuRow, std::int16_t* blocks);
 
-    static bool Is420(const TransformedImage& layout);
+    static bool Is420(const BlockLayout& layout);
 
   private:
     std::int16_t* BlockOf(std::int16_t* blocks, int mcuInRow, int component, int row,
@@ -38,20 +37,16 @@ class ColorSampler {
                          row * layout_.Component(component).horizontal + column) *
                             64;
     }
-    // A line of the rectangle (repeating the last one past the bottom) as it is in the source,
-    // and extended to whole MCUs (in a copy if needed; `slot` 0 or 1 picks the copy).
-    const std::uint8_t* SourceRow(int line) const {
-        return source_.ScanLine(top_ + std::min(line, layout_.Height() - 1)) + 3 * left_;
-    }
-    const std::uint8_t* ExtendedRow(int line, int slot);
+    // Points lines_ at the MCU row's lines (the last line repeating past the bottom), each
+    // extended to whole MCUs by repeating its last pixel (in a copy when it has to be).
+    void FetchLines(int mcuRow);
 
-    const tavren::cImage& source_;
-    int left_;
-    int top_;
-    const TransformedImage& layout_;
-    bool vector420_;
-    std::vector<std::size_t> columnOffset_;  // byte offset of every padded column in a row
-    std::vector<std::uint8_t> extended_;     // rows copied out and extended to whole MCUs
+    PixelRows& source_;
+    const BlockLayout& layout_;
+    const bool vector420_;
+    const int bytesPerPixel_;
+    std::vector<const std::uint8_t*> lines_;  // the current MCU row's lines
+    std::vector<std::uint8_t> extended_;      // lines copied out and extended to whole MCUs
 };
 
 }  // namespace tavren::jpeg

@@ -5,6 +5,8 @@
 
 #include <immintrin.h>
 
+#include <algorithm>
+
 #pragma GCC push_options
 #pragma GCC target("avx2,bmi,bmi2,lzcnt")
 
@@ -52,13 +54,39 @@ inline Shuffles MakeShuffles() {
     return s;
 }
 
-inline PixelWords LoadPixels(const std::uint8_t* p, const Shuffles& s) {
+// Sixteen pixels of three bytes R, G, B (48 bytes).
+inline PixelWords LoadRgb24(const std::uint8_t* p, const Shuffles& s) {
     // Lane 0 gets pixels 0-7, lane 1 pixels 8-15; the two loads overlap so that every pixel of
     // a lane lies inside one of them, and nothing past the 48 bytes is read.
     const __m256i a = LoadTwoHalves(p, p + 24);
     const __m256i b = LoadTwoHalves(p + 8, p + 32);
     return {_mm256_shuffle_epi8(a, s.redGreenLow), _mm256_shuffle_epi8(a, s.blueLow),
             _mm256_shuffle_epi8(b, s.redGreenHigh), _mm256_shuffle_epi8(b, s.blueHigh)};
+}
+
+// Sixteen pixels of four bytes B, G, R, unused (64 bytes), spread the same way.
+inline PixelWords LoadBgrx32(const std::uint8_t* p) {
+    const __m256i redGreen =
+        _mm256_setr_epi8(2, -1, 1, -1, 6, -1, 5, -1, 10, -1, 9, -1, 14, -1, 13, -1,  //
+                         2, -1, 1, -1, 6, -1, 5, -1, 10, -1, 9, -1, 14, -1, 13, -1);
+    const __m256i blue =
+        _mm256_setr_epi8(0, -1, -1, -1, 4, -1, -1, -1, 8, -1, -1, -1, 12, -1, -1,
+                         -1,  //
+                         0, -1, -1, -1, 4, -1, -1, -1, 8, -1, -1, -1, 12, -1, -1, -1);
+    // Pixels 0-3 with 8-11, and 4-7 with 12-15.
+    const __m256i low = LoadTwoHalves(p, p + 32);
+    const __m256i high = LoadTwoHalves(p + 16, p + 48);
+    return {_mm256_shuffle_epi8(low, redGreen), _mm256_shuffle_epi8(low, blue),
+            _mm256_shuffle_epi8(high, redGreen), _mm256_shuffle_epi8(high, blue)};
+}
+
+template <PixelLayout kLayout>
+inline PixelWords LoadPixels(const std::uint8_t* p, const Shuffles& s) {
+    if constexpr (kLayout == PixelLayout::kRgb24) {
+        return LoadRgb24(p, s);
+    } else {
+        return LoadBgrx32(p);
+    }
 }
 
 struct Weights {
@@ -118,26 +146,27 @@ inline void Store8(std::int16_t* to, __m128i values) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), values);
 }
 
-}  // namespace
-
-void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
+// One MCU row of 4:2:0 blocks from its sixteen lines.
+template <PixelLayout kLayout>
+void Sample420(const std::uint8_t* const* lines, int mcusAcross, std::int16_t* blocks) {
+    constexpr int kStep = 16 * BytesPerPixel(kLayout);  // bytes of one MCU's width
     const Shuffles shuffles = MakeShuffles();
     const Weights w = MakeWeights();
     for (int line = 0; line < 16; line += 2) {
-        const std::uint8_t* upper = ExtendedRow(mcuRow * 16 + line, 0);
-        const std::uint8_t* lower = ExtendedRow(mcuRow * 16 + line + 1, 1);
+        const std::uint8_t* upper = lines[line];
+        const std::uint8_t* lower = lines[line + 1];
         const int blockRow = line / 8;
         const int rowInBlock = (line % 8) * 8;
         const int chromaRow = (line / 2) * 8;
         // The next pair of lines is read right after this one: ask for it early.
-        const std::uint8_t* nextUpper = SourceRow(mcuRow * 16 + line + 2);
-        const std::uint8_t* nextLower = SourceRow(mcuRow * 16 + line + 3);
+        const std::uint8_t* nextUpper = lines[std::min(line + 2, 14)];
+        const std::uint8_t* nextLower = lines[std::min(line + 3, 15)];
         std::int16_t* mcu = blocks;
-        for (int mx = 0; mx < layout_.McusAcross(); ++mx, mcu += 6 * 64) {
-            _mm_prefetch(reinterpret_cast<const char*>(nextUpper + 48 * mx), _MM_HINT_T0);
-            _mm_prefetch(reinterpret_cast<const char*>(nextLower + 48 * mx), _MM_HINT_T0);
-            const PixelWords a = LoadPixels(upper + 48 * mx, shuffles);
-            const PixelWords b = LoadPixels(lower + 48 * mx, shuffles);
+        for (int mx = 0; mx < mcusAcross; ++mx, mcu += 6 * 64) {
+            _mm_prefetch(reinterpret_cast<const char*>(nextUpper + kStep * mx), _MM_HINT_T0);
+            _mm_prefetch(reinterpret_cast<const char*>(nextLower + kStep * mx), _MM_HINT_T0);
+            const PixelWords a = LoadPixels<kLayout>(upper + kStep * mx, shuffles);
+            const PixelWords b = LoadPixels<kLayout>(lower + kStep * mx, shuffles);
 
             // Y blocks 0 and 1 are the MCU's top half, 2 and 3 its bottom half.
             const __m256i lumaUpper = Luma(a, w);
@@ -159,6 +188,17 @@ void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
             Store8(mcu + 4 * 64 + chromaRow, _mm256_castsi256_si128(both));
             Store8(mcu + 5 * 64 + chromaRow, _mm256_extracti128_si256(both, 1));
         }
+    }
+}
+
+}  // namespace
+
+void ColorSampler::SampleRow420Avx2(int mcuRow, std::int16_t* blocks) {
+    FetchLines(mcuRow);
+    if (source_.Layout() == PixelLayout::kRgb24) {
+        Sample420<PixelLayout::kRgb24>(lines_.data(), layout_.McusAcross(), blocks);
+    } else {
+        Sample420<PixelLayout::kBgrx32>(lines_.data(), layout_.McusAcross(), blocks);
     }
 }
 

@@ -65,7 +65,7 @@ void JpegSegmentWriter::QuantizationTable(int slot, const jpeg::QuantizationTabl
     }
 }
 
-void JpegSegmentWriter::FrameHeader(const TransformedImage& image) {
+void JpegSegmentWriter::FrameHeader(const BlockLayout& image) {
     Marker(kSof0);
     out_.PutWord(static_cast<unsigned>(8 + 3 * image.ComponentCount()));
     out_.PutByte(8);  // sample precision
@@ -97,7 +97,7 @@ void JpegSegmentWriter::HuffmanTable(TableClass tableClass, int slot,
     }
 }
 
-void JpegSegmentWriter::ScanHeader(const TransformedImage& image) {
+void JpegSegmentWriter::ScanHeader(const BlockLayout& image) {
     Marker(kSos);
     out_.PutWord(static_cast<unsigned>(6 + 2 * image.ComponentCount()));
     out_.PutByte(static_cast<std::uint8_t>(image.ComponentCount()));

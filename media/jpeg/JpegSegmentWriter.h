@@ -2,10 +2,10 @@
 
 #include <string_view>
 
+#include "media/jpeg/BlockLayout.h"
 #include "media/jpeg/HuffmanTable.h"
 #include "media/jpeg/OutputBuffer.h"
 #include "media/jpeg/QuantizationTable.h"
-#include "media/jpeg/TransformedImage.h"
 
 namespace tavren::jpeg {
 
@@ -25,10 +25,10 @@ class JpegSegmentWriter {
     // Raises "Bad Quantization Table" for a slot outside 0..3 or a zero entry, and
     // "Illegal precission in Quantization Table" for an entry above 255.
     void QuantizationTable(int slot, const jpeg::QuantizationTable& table);
-    void FrameHeader(const TransformedImage& image);
+    void FrameHeader(const BlockLayout& image);
     // Raises "Bad Huffman Table" for a slot outside 0..3 or impossible counts.
     void HuffmanTable(TableClass tableClass, int slot, const jpeg::HuffmanTable& table);
-    void ScanHeader(const TransformedImage& image);
+    void ScanHeader(const BlockLayout& image);
     void EndOfImage();
 
   private:

@@ -11,6 +11,7 @@
 #include "media/jpeg/ColorSampler.h"
 #include "media/jpeg/CpuFeatures.h"
 #include "media/jpeg/ForwardDct.h"
+#include "media/jpeg/ImageRows.h"
 #include "media/jpeg/JpegConstants.h"
 #include "media/jpeg/QuantizationTable.h"
 #include "media/jpeg/Quantizer.h"
@@ -106,9 +107,12 @@ TEST(KernelParity, ColorSamplerVectorAndPortable420AgreeAtAnySizeAndOffset) {
                                                                                   {64, 48, 16, 2},
                                                                                   {79, 49, 1, 1},
                                                                                   {80, 50, 0, 0}}) {
-        TransformedImage layout;
+        BlockLayout layout;
         layout.Prepare(width, height, {{2, 2, 0}, {1, 1, 1}, {1, 1, 1}});
-        ColorSampler sampler(source, left, top, layout);
+        ImageRows rows(source.ScanLine(top) + 3 * left,
+                       static_cast<std::ptrdiff_t>(source.BytesPerScanLine()), width, height,
+                       PixelLayout::kRgb24);
+        ColorSampler sampler(rows, layout);
         std::vector<std::int16_t> portable(static_cast<std::size_t>(layout.McusAcross()) *
                                            layout.BlocksPerMcu() * 64);
         std::vector<std::int16_t> vector(portable.size());

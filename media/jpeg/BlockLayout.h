@@ -5,8 +5,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/jpeg/AlignedBuffer.h"
-
 namespace tavren::jpeg {
 
 // How one colour component is sampled: horizontal and vertical factors 1..4 and the table pair
@@ -17,20 +15,18 @@ struct ComponentSampling {
     int table = 0;
 };
 
-// The sampled picture, held as the 8x8 blocks the file is made of, each block already through
-// the DCT (quality does not enter until quantisation) and stored as 64 fixed-point coefficients
-// in zig-zag order. Blocks are kept in the order the scan codes them (MCU by MCU, inside an MCU
-// component by component, each component's blocks row by row), so the encoder's passes are
-// linear sweeps.
-class TransformedImage {
+// The geometry of a picture cut into the 8x8 blocks the file is made of: its size, the sampling
+// of its components and the MCUs they make. Blocks are numbered in the order the scan codes
+// them (MCU by MCU, inside an MCU component by component, each component's blocks row by row),
+// so the encoder's passes are linear sweeps.
+class BlockLayout {
   public:
     static constexpr int kMaxComponents = 3;
 
-    // Sets the geometry and sizes the block storage; the coefficients themselves are left to
-    // the caller. Width and height are 1..65535.
+    // Sets the geometry. Width and height are 1..65535.
     void Prepare(int width, int height, const std::vector<ComponentSampling>& components);
 
-    // Forgets the picture (the storage is kept for the next one).
+    // Forgets the picture.
     void Clear();
     bool Empty() const { return width_ == 0; }
     int Width() const { return width_; }
@@ -47,13 +43,13 @@ class TransformedImage {
     std::size_t McuCount() const { return static_cast<std::size_t>(mcusAcross_) * mcusDown_; }
     int BlocksPerMcu() const { return static_cast<int>(mcuBlockComponent_.size()); }
     std::size_t BlockCount() const { return McuCount() * BlocksPerMcu(); }
+    std::size_t BlocksPerMcuRow() const {
+        return static_cast<std::size_t>(mcusAcross_) * BlocksPerMcu();
+    }
     // Index of the first block of a component inside an MCU.
     int FirstBlockOf(int component) const { return firstBlock_[component]; }
     // The component each block position of an MCU belongs to.
     int ComponentOfMcuBlock(int position) const { return mcuBlockComponent_[position]; }
-
-    std::int16_t* Block(std::size_t index) { return blocks_.Data() + index * 64; }
-    const std::int16_t* Block(std::size_t index) const { return blocks_.Data() + index * 64; }
 
   private:
     int width_ = 0;
@@ -65,7 +61,6 @@ class TransformedImage {
     int mcusDown_ = 0;
     std::array<int, kMaxComponents> firstBlock_{};
     std::vector<std::uint8_t> mcuBlockComponent_;
-    AlignedBuffer<std::int16_t> blocks_;
 };
 
 }  // namespace tavren::jpeg

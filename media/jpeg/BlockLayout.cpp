@@ -1,19 +1,17 @@
-#include "media/jpeg/TransformedImage.h"
+#include "media/jpeg/BlockLayout.h"
 
 #include <algorithm>
 #include <stdexcept>
 
 namespace tavren::jpeg {
 
-void TransformedImage::Prepare(int width, int height,
-                               const std::vector<ComponentSampling>& components) {
+void BlockLayout::Prepare(int width, int height, const std::vector<ComponentSampling>& components) {
     if (width < 1 || height < 1 || width > 65535 || height > 65535) {
         throw std::out_of_range("picture size outside 1..65535");
     }
     if (components.empty() || components.size() > kMaxComponents) {
         throw std::invalid_argument("component count");
     }
-    // Empty until the storage is in place, so a failed allocation leaves nothing half made.
     Clear();
     components_ = components;
     maxHorizontal_ = 1;
@@ -30,12 +28,11 @@ void TransformedImage::Prepare(int width, int height,
     }
     mcusAcross_ = (width + McuWidth() - 1) / McuWidth();
     mcusDown_ = (height + McuHeight() - 1) / McuHeight();
-    blocks_.Resize(BlockCount() * 64);
     width_ = width;
     height_ = height;
 }
 
-void TransformedImage::Clear() {
+void BlockLayout::Clear() {
     width_ = 0;
     height_ = 0;
 }
