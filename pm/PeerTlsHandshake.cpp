@@ -58,6 +58,10 @@ void PeerTlsHandshake::start() {
     // Trust comes from the relayed fingerprint alone, never from an authority.
     configuration.setCaCertificates({});
     configuration.setProtocol(QSsl::TlsV1_2OrLater);
+    configuration.setBackendConfigurationOption(
+        "Ciphersuites",
+        QByteArrayLiteral(
+            "TLS_AES_128_GCM_SHA256:TLS_AES_256_GCM_SHA384:TLS_CHACHA20_POLY1305_SHA256"));
     // The listening side asks for the connecting side's certificate too.
     configuration.setPeerVerifyMode(QSslSocket::VerifyPeer);
     socket_.setSslConfiguration(configuration);
