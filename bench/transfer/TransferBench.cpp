@@ -1,8 +1,10 @@
 // tavren-transfer-bench: one file over a direct connection between two DirectLinks, each on a
-// thread of its own with its own event loop (as two clients would be), against a plain TCP copy
-// of the same file in the same run, and the process's resident memory while the file passes.
+// thread of its own with its own event loop (as two clients would be), plain and inside TLS,
+// against a plain TCP copy of the same file in the same run, and the process's resident memory
+// while the file passes.
 //
 //   tavren-transfer-bench [--size-mib N] [--runs N] [--dir FOLDER]
+#include <sys/resource.h>
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDir>
@@ -13,6 +15,7 @@
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThread>
+
 #include <algorithm>
 #include <atomic>
 #include <cstdio>
@@ -69,7 +72,8 @@ struct Member {
     DirectLink* link = nullptr;
     PrintingPrompter prompter;
 
-    Member(const QString& own, const QString& peer, const QString& folder, int lowerPort) {
+    Member(const QString& own, const QString& peer, const QString& folder, int lowerPort,
+           bool encrypt) {
         thread.start();
         // Made on its thread, so that its timers and sockets belong there. The thread's event
         // dispatcher lives on it and serves as the place to run there.
@@ -85,6 +89,7 @@ struct Member {
                 options.lowerPort = lowerPort;
                 options.upperPort = lowerPort + 500;
                 options.autoAccept = true;
+                options.encrypt = encrypt;
                 link->setOptions(options);
             },
             Qt::BlockingQueuedConnection);
@@ -97,17 +102,29 @@ struct Member {
     }
 };
 
+// CPU time the whole process has used so far (both links' threads), in seconds.
+double cpuSeconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval& t) {
+        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
 struct LinkResult {
     double seconds = -1;
+    double cpu = 0;
     long startKb = 0;
     long peakKb = 0;
+    bool encrypted = false;
 };
 
-LinkResult sendOverLinks(const QString& source, const QString& folder) {
+LinkResult sendOverLinks(const QString& source, const QString& folder, bool encrypt) {
     QDir(folder).mkpath(QStringLiteral("."));
     Member alice(QStringLiteral("alice"), QStringLiteral("bob"), folder + QStringLiteral("/a"),
-                 41000);
-    Member bob(QStringLiteral("bob"), QStringLiteral("alice"), folder, 42000);
+                 41000, encrypt);
+    Member bob(QStringLiteral("bob"), QStringLiteral("alice"), folder, 42000, encrypt);
     // The handshake as the server relays it: to the other thread, with the address added.
     const auto relay = [](DirectLink* from, DirectLink* to) {
         QObject::connect(
@@ -123,23 +140,31 @@ LinkResult sendOverLinks(const QString& source, const QString& folder) {
     QObject::connect(
         bob.link, &DirectLink::fileShown, bob.link, [&done] { done.release(); },
         Qt::DirectConnection);
+    std::atomic<bool> encrypted = false;
     QObject::connect(
-        bob.link, &DirectLink::line, bob.link, [](DirectLink::Speaker, const QString& text) {
+        bob.link, &DirectLink::line, bob.link,
+        [&encrypted](DirectLink::Speaker, const QString& text) {
             if (text.contains(QLatin1String("Error")) || text.contains(QLatin1String("Lost"))) {
                 std::fprintf(stderr, "link: %s\n", qPrintable(text));
+            }
+            if (text.contains(QLatin1String("connection encrypted"))) {
+                encrypted = true;
             }
         });
 
     LinkResult result;
     ResidentMemory memory;
     QElapsedTimer clock;
+    const double cpuBefore = cpuSeconds();
     clock.start();
     QMetaObject::invokeMethod(alice.link, [&] { alice.link->sendFile(source); });
     if (done.tryAcquire(1, 30 * 60 * 1000)) {
         result.seconds = static_cast<double>(clock.nsecsElapsed()) / 1e9;
+        result.cpu = cpuSeconds() - cpuBefore;
     }
     result.startKb = memory.startKb();
     result.peakKb = memory.peakKb();
+    result.encrypted = encrypted;
     return result;
 }
 
@@ -164,38 +189,53 @@ int run(const Options& options) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(source));
         return 1;
     }
-    std::printf("%-4s %12s %12s %8s %14s %14s\n", "run", "plain MiB/s", "link MiB/s", "ratio",
-                "RSS start MiB", "RSS growth MiB");
-    std::vector<double> ratios;
+    std::printf("%-4s %11s %11s %11s %10s %9s %10s %10s %12s %12s\n", "run", "copy MiB/s",
+                "link MiB/s", "TLS MiB/s", "link/copy", "TLS/link", "link CPU s", "TLS CPU s",
+                "link RSS+MiB", "TLS RSS+MiB");
+    std::vector<double> linkRatios;
+    std::vector<double> tlsRatios;
     long worstGrowthKb = 0;
+    // One plain and one encrypted transfer of the same file, received whole, or nothing.
+    const auto transfer = [&](bool encrypt, LinkResult& result) {
+        const QString received = scratch.filePath(QStringLiteral("received"));
+        result = sendOverLinks(source, received, encrypt);
+        const bool whole =
+            QFileInfo(QDir(received).filePath(QStringLiteral("source.bin"))).size() == size;
+        QDir(received).removeRecursively();
+        return result.seconds >= 0 && whole && result.encrypted == encrypt;
+    };
     for (int i = 1; i <= options.runs; ++i) {
         const QString plainTarget = scratch.filePath(QStringLiteral("plain.bin"));
         const double plain = PlainCopy(source.toStdString(), plainTarget.toStdString());
         QFile::remove(plainTarget);
-        const QString received = scratch.filePath(QStringLiteral("received"));
-        const LinkResult link = sendOverLinks(source, received);
-        const bool whole =
-            QFileInfo(QDir(received).filePath(QStringLiteral("source.bin"))).size() == size;
-        QDir(received).removeRecursively();
-        if (plain < 0 || link.seconds < 0 || !whole) {
-            std::fprintf(stderr, "run %d failed (plain %.2f s, link %.2f s, whole %d)\n", i, plain,
-                         link.seconds, whole);
+        LinkResult link;
+        LinkResult tls;
+        if (plain < 0 || !transfer(false, link) || !transfer(true, tls)) {
+            std::fprintf(stderr,
+                         "run %d failed (copy %.2f s, link %.2f s, TLS %.2f s encrypted %d)\n", i,
+                         plain, link.seconds, tls.seconds, tls.encrypted);
             return 1;
         }
         const double plainRate = mibPerSecond(size, plain);
         const double linkRate = mibPerSecond(size, link.seconds);
-        const long growthKb = link.peakKb - link.startKb;
-        worstGrowthKb = std::max(worstGrowthKb, growthKb);
-        ratios.push_back(linkRate / plainRate);
-        std::printf("%-4d %12.1f %12.1f %8.2f %14.1f %14.1f\n", i, plainRate, linkRate,
-                    linkRate / plainRate, link.startKb / 1024.0, growthKb / 1024.0);
+        const double tlsRate = mibPerSecond(size, tls.seconds);
+        const long linkGrowthKb = link.peakKb - link.startKb;
+        const long tlsGrowthKb = tls.peakKb - tls.startKb;
+        worstGrowthKb = std::max({worstGrowthKb, linkGrowthKb, tlsGrowthKb});
+        linkRatios.push_back(linkRate / plainRate);
+        tlsRatios.push_back(tlsRate / linkRate);
+        std::printf("%-4d %11.1f %11.1f %11.1f %10.2f %9.2f %10.2f %10.2f %12.1f %12.1f\n", i,
+                    plainRate, linkRate, tlsRate, linkRate / plainRate, tlsRate / linkRate,
+                    link.cpu, tls.cpu, linkGrowthKb / 1024.0, tlsGrowthKb / 1024.0);
         std::fflush(stdout);
     }
-    std::sort(ratios.begin(), ratios.end());
+    std::sort(linkRatios.begin(), linkRatios.end());
+    std::sort(tlsRatios.begin(), tlsRatios.end());
     std::printf(
-        "median ratio link/plain: %.2f (target >= 0.50); largest RSS growth: %.1f MiB "
-        "for a %lld MiB file\n",
-        ratios[ratios.size() / 2], worstGrowthKb / 1024.0, static_cast<long long>(options.sizeMib));
+        "median link/copy: %.2f (target >= 0.50); median TLS/link: %.2f (target >= 0.70); "
+        "largest RSS growth: %.1f MiB for a %lld MiB file\n",
+        linkRatios[linkRatios.size() / 2], tlsRatios[tlsRatios.size() / 2], worstGrowthKb / 1024.0,
+        static_cast<long long>(options.sizeMib));
     return 0;
 }
 
