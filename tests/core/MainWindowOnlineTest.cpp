@@ -10,6 +10,7 @@
 #include "connection/TavrendProcess.h"
 #include "connection/Wait.h"
 #include "core/ClientSession.h"
+#include "core/ServerTrust.h"
 #include "core/Startup.h"
 #include "core/ui/ChatMain.h"
 #include "support/ScriptedPrompter.h"
@@ -17,8 +18,9 @@
 namespace tavren {
 namespace {
 
-// The main window against the real server: logging in turns the whole shell online, and the
-// server going away turns it back, with the commands that need a login following along.
+// The main window against the real server: logging in (encrypted, the server's certificate
+// vouched for as scripts/run.sh does) turns the whole shell online, with the padlock shut, and
+// the server going away turns it back, with the commands that need a login following along.
 TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     QTemporaryDir root;
     ASSERT_TRUE(root.isValid());
@@ -35,8 +37,9 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     SettingsValues values = session.settings().values();
     values.serverHost = QStringLiteral("127.0.0.1");
     values.serverPort = QString::number(server.port());
-    values.tls = false;  // plain: encryption is tested on its own
     session.settings().setValues(values);
+    session.settings().setKnownServer(ServerTrust::keyFor(values.serverHost, server.port()),
+                                      server.fingerprint());
     window.show();
 
     LoginFlow& login = session.server().login();
@@ -54,6 +57,12 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     ASSERT_NE(online, nullptr);
     EXPECT_TRUE(
         test::waitUntil([&] { return online->text().startsWith(QStringLiteral("Online: ")); }));
+    const auto* padlock = window.findChild<QLabel*>(QStringLiteral("encryptionPadlock"));
+    ASSERT_NE(padlock, nullptr);
+    EXPECT_TRUE(padlock->isVisible());
+    EXPECT_TRUE(padlock->toolTip().startsWith(QStringLiteral("Encrypted (TLS 1.3)")));
+    EXPECT_TRUE(padlock->toolTip().contains(server.fingerprint()));
+    EXPECT_TRUE(prompter.asked.empty()) << "a vouched-for certificate is not asked about";
 
     // Going away from the status button's menu, and coming back, as the server confirms it.
     const auto awayAction = [&](const char* key) {
@@ -74,6 +83,7 @@ TEST(MainWindowOnlineTest, FollowsLoginAndTheServerGoingAway) {
     server.stop();
     ASSERT_TRUE(test::waitUntil([&] { return !session.server().online(); }));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Tavren Chat Offline (?\?)"));
+    EXPECT_FALSE(padlock->isVisible());
     // The server went away unannounced, so the client is on its way back and says so.
     EXPECT_EQ(online->text(), QStringLiteral("Offline, reconnecting.."));
     EXPECT_TRUE(online->toolTip().contains(QStringLiteral("disconnected")));
