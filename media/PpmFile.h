@@ -1,21 +1,18 @@
 #pragma once
 
 #include <filesystem>
-#include <stdexcept>
 #include <string_view>
 
+#include "media/PpmFormatError.h"
 #include "media/cImage.h"
 
 namespace tavren {
 
-// Binary PPM (P6) pictures, the plain format the command-line tools read and write.
+// Binary PPM (P6) pictures, the plain format the command-line tools read and write, as a whole
+// picture in memory (PpmRows reads one band of lines at a time instead).
 class PpmFile {
   public:
-    // What went wrong with a file that is not a usable P6 picture.
-    class FormatError : public std::runtime_error {
-      public:
-        using std::runtime_error::runtime_error;
-    };
+    using FormatError = PpmFormatError;
 
     // Reads a whole file; raises FormatError for bad contents and std::system_error when the
     // file cannot be read.

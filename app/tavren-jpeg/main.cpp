@@ -4,11 +4,12 @@
 #include <charconv>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "media/PpmFile.h"
+#include "media/PpmRows.h"
 #include "media/cJpeg.h"
 
 namespace {
@@ -89,13 +90,14 @@ int main(int argc, char** argv) {
     }
 
     try {
-        const tavren::cImage picture = tavren::PpmFile::Read(files[0]);
         tavren::cJpeg jpeg;
         jpeg.SetQuality(quality);
         jpeg.SetSamplingFrequencies(sampling[0], sampling[1], sampling[2], sampling[3], sampling[4],
                                     sampling[5]);
         jpeg.SetComment(comment);
-        jpeg.SampleHDC(picture, picture.Width(), picture.Height());
+        // The file is read band by band as the encoder samples it, never held whole.
+        const std::unique_ptr<tavren::PpmRows> picture = tavren::PpmRows::Open(files[0]);
+        jpeg.Sample(*picture);
         jpeg.SaveFile(files[1]);
     } catch (const tavren::JpegError& error) {
         std::fprintf(stderr, "tavren-jpeg: error %d: %s\n", error.Number(), error.what());

@@ -40,6 +40,37 @@ std::vector<std::int16_t> SampleBlocks() {
     return samples;
 }
 
+// The picture as a screen grab holds it: four bytes B, G, R, unused, and here stored bottom-up
+// as a bitmap file is, so that reading it top-down takes a negative stride.
+struct BgrxPicture {
+    std::vector<std::uint8_t> bytes;
+    int width;
+    int height;
+
+    explicit BgrxPicture(const cImage& source)
+        : bytes(static_cast<std::size_t>(source.Width()) * source.Height() * 4),
+          width(source.Width()),
+          height(source.Height()) {
+        for (int y = 0; y < height; ++y) {
+            std::uint8_t* out = bytes.data() + static_cast<std::size_t>(height - 1 - y) * width * 4;
+            for (int x = 0; x < width; ++x) {
+                const std::uint8_t* in = source.ScanLine(y) + 3 * x;
+                out[4 * x] = in[2];
+                out[4 * x + 1] = in[1];
+                out[4 * x + 2] = in[0];
+                out[4 * x + 3] = static_cast<std::uint8_t>(x * 37);  // must not matter
+            }
+        }
+    }
+    // The rectangle (left, top, w, h) of the picture, read top-down.
+    ImageRows Rows(int left, int top, int w, int h) const {
+        const std::ptrdiff_t stride = -4 * static_cast<std::ptrdiff_t>(width);
+        return ImageRows(
+            bytes.data() + static_cast<std::size_t>(height - 1 - top) * width * 4 + 4 * left,
+            stride, w, h, PixelLayout::kBgrx32);
+    }
+};
+
 }  // namespace
 
 TEST(KernelParity, DctAndQuantizerVectorsAgreeWithTheScalarCodeBitForBit) {
@@ -96,11 +127,12 @@ TEST(KernelParity, DctAndQuantizerVectorsAgreeWithTheScalarCodeBitForBit) {
     }
 }
 
-TEST(KernelParity, ColorSamplerVectorAndPortable420AgreeAtAnySizeAndOffset) {
+TEST(KernelParity, ColorSamplerVectorAndPortable420AgreeAtAnySizeOffsetAndPixelLayout) {
     if (!CpuFeatures::HasAvx2()) {
         GTEST_SKIP() << "no AVX2 on this machine";
     }
     const cImage source = test::MakeNoisePicture(80, 50);
+    const BgrxPicture bgrx(source);
     for (const auto& [width, height, left, top] : std::vector<std::array<int, 4>>{{1, 1, 0, 0},
                                                                                   {17, 9, 3, 2},
                                                                                   {32, 16, 48, 34},
@@ -113,19 +145,27 @@ TEST(KernelParity, ColorSamplerVectorAndPortable420AgreeAtAnySizeAndOffset) {
                        static_cast<std::ptrdiff_t>(source.BytesPerScanLine()), width, height,
                        PixelLayout::kRgb24);
         ColorSampler sampler(rows, layout);
-        std::vector<std::int16_t> portable(static_cast<std::size_t>(layout.McusAcross()) *
-                                           layout.BlocksPerMcu() * 64);
+        ImageRows bgrxRows = bgrx.Rows(left, top, width, height);
+        ColorSampler bgrxSampler(bgrxRows, layout);
+        std::vector<std::int16_t> portable(layout.BlocksPerMcuRow() * 64);
         std::vector<std::int16_t> vector(portable.size());
+        std::vector<std::int16_t> bgrxPortable(portable.size());
+        std::vector<std::int16_t> bgrxVector(portable.size());
         for (int row = 0; row < layout.McusDown(); ++row) {
             sampler.SampleRowPortable(row, portable.data());
             sampler.SampleRow420Avx2(row, vector.data());
+            bgrxSampler.SampleRowPortable(row, bgrxPortable.data());
+            bgrxSampler.SampleRow420Avx2(row, bgrxVector.data());
             EXPECT_EQ(portable, vector) << width << "x" << height << " row " << row;
+            EXPECT_EQ(portable, bgrxPortable) << width << "x" << height << " row " << row;
+            EXPECT_EQ(portable, bgrxVector) << width << "x" << height << " row " << row;
         }
     }
 }
 
-TEST(KernelParity, FileIsTheSameWithAndWithoutVectorUnitsAndThreads) {
+TEST(KernelParity, FileIsTheSameWithAndWithoutVectorUnitsThreadsAndPixelLayouts) {
     const cImage source = test::MakeTestPicture(700, 420);
+    const BgrxPicture bgrx(source);
     for (const test::Sampling& s :
          std::vector<test::Sampling>{{2, 2, 1, 1, 1, 1}, {1, 1, 0, 0, 0, 0}, {1, 1, 1, 1, 1, 1}}) {
         cJpeg jpeg;
@@ -143,5 +183,14 @@ TEST(KernelParity, FileIsTheSameWithAndWithoutVectorUnitsAndThreads) {
         EXPECT_EQ(encode(1, true), reference) << "one thread";
         EXPECT_EQ(encode(0, true), reference) << "threads chosen by load";
         EXPECT_EQ(encode(3, false), reference) << "portable code, three threads";
+        // The same pixels as a screen grab holds them.
+        for (bool vectorUnits : {true, false}) {
+            CpuFeatures::AllowVectorUnits(vectorUnits);
+            ImageRows rows = bgrx.Rows(0, 0, 700, 420);
+            jpeg.SetThreads(2);
+            jpeg.Sample(rows);
+            CpuFeatures::AllowVectorUnits(true);
+            EXPECT_EQ(jpeg.Encode(), reference) << "BGRX, bottom-up, vector units " << vectorUnits;
+        }
     }
 }

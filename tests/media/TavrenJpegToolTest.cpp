@@ -67,6 +67,8 @@ TEST_F(TavrenJpegTool, DefaultsToTheScreenCaptureSettingsAndPassesItsOptionsOn) 
 TEST_F(TavrenJpegTool, ErrorsExitNonZeroWithTheMessageAndWriteNothing) {
     const fs::path damaged = TestFolder() / "damaged.ppm";
     std::ofstream(damaged) << "P3 1 1 255\n1 2 3";
+    const fs::path truncated = TestFolder() / "truncated.ppm";
+    std::ofstream(truncated) << "P6 45 31 255\n" << std::string(45 * 31 * 3 - 1, 'x');
     struct Case {
         std::string options;
         fs::path input;
@@ -82,6 +84,7 @@ TEST_F(TavrenJpegTool, ErrorsExitNonZeroWithTheMessageAndWriteNothing) {
              {"-s 2,2,1,1,1", input_, output_, 2, "-s takes six whole numbers"},
              {"", TestFolder() / "missing.ppm", output_, 1, "missing.ppm"},
              {"", damaged, output_, 1, "not a binary PPM (P6) file"},
+             {"", truncated, output_, 1, "PPM file ends before its pixels do"},
              {"", input_, nowhere, 1, nowhere.string()},
          }) {
         const auto [exitCode, errors] = Tool(c.options, c.input, c.output);
