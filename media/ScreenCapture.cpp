@@ -5,10 +5,10 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTimer>
-#include <cstring>
 #include <filesystem>
 
 #include "core/Prompter.h"
+#include "media/BmpFile.h"
 #include "media/cJpeg.h"
 #include "pm/ReceivedFileName.h"
 
@@ -38,17 +38,12 @@ QString ScreenCapture::outputPath(const QString& folder, const QString& nickname
     }
 }
 
-cImage ScreenCapture::toImage(const QImage& image) {
-    const QImage rgb = image.convertToFormat(QImage::Format_RGB888);
-    cImage picture(rgb.width(), rgb.height());
-    for (int y = 0; y < rgb.height(); ++y) {
-        std::memcpy(picture.ScanLine(y), rgb.constScanLine(y), picture.BytesPerScanLine());
-    }
-    return picture;
-}
-
 void ScreenCapture::start(const QImage& screen, const QRect& area, const QString& nickname) {
-    screen_ = screen;
+    // Four bytes B, G, R, unused a pixel on the little-endian machines we build for: the form
+    // the bitmap file and the encoder take as it is. A grab nearly always comes that way.
+    const bool bgrx =
+        screen.format() == QImage::Format_RGB32 || screen.format() == QImage::Format_ARGB32;
+    screen_ = bgrx ? screen : screen.convertToFormat(QImage::Format_RGB32);
     area_ = area.intersected(screen.rect());
     nickname_ = nickname;
     outputPath_.clear();
@@ -73,23 +68,26 @@ void ScreenCapture::runStep() {
                               QString::number(QRandomGenerator::global()->bounded(99)) +
                               QStringLiteral(".bmp");
                 QFile::remove(bitmapPath_);
-                if (!screen_.copy(area_).save(bitmapPath_, "BMP")) {
-                    step_ = 6;
-                    break;
-                }
+                // The area's lines straight from the grab, no copy of the area first.
+                BmpFile::WriteBgrx(std::filesystem::path(bitmapPath_.toStdU16String()),
+                                   screen_.constScanLine(area_.top()) + 4 * area_.left(),
+                                   screen_.bytesPerLine(), area_.width(), area_.height());
                 screen_ = QImage();
                 ++step_;
                 break;
             }
             case 2: {
-                const QImage loaded(bitmapPath_);
-                QFile::remove(bitmapPath_);
+                const std::filesystem::path bitmap(bitmapPath_.toStdU16String());
                 bitmapPath_.clear();
-                if (loaded.isNull()) {
-                    step_ = 6;
-                    break;
+                try {
+                    picture_ = BmpFile::Read(bitmap);
+                } catch (...) {
+                    std::error_code ignored;
+                    std::filesystem::remove(bitmap, ignored);
+                    throw;
                 }
-                picture_ = toImage(loaded);
+                std::error_code ignored;
+                std::filesystem::remove(bitmap, ignored);
                 ++step_;
                 break;
             }

@@ -17,8 +17,9 @@ class cJpeg;
 // capture's fixed steps, one step per turn of the event loop so the interface stays alive:
 //
 //   1. save the area as a bitmap "<data root>/<nickname>_ss<0..98>.bmp" (a file of that name
-//      goes first);
-//   2. read the bitmap back into a cImage, then delete it, so it never outlives the capture;
+//      goes first), 32 bits a pixel straight from the grab;
+//   2. read the bitmap back into a cImage (in its own 32-bit form, nothing converted), then
+//      delete it, so it never outlives the capture;
 //   3. set up cJpeg: quality 65, sampling 2,2,1,1,1,1, and sample the whole picture;
 //   4. pick the name "<nickname>_ss<n>.jpg" for the first n = 0, 1, 2, .. not taken in the
 //      download folder;
@@ -41,8 +42,6 @@ class ScreenCapture : public QObject {
     QString downloadFolder() const;
     // "<nickname>_ss<n>.jpg" with the first free n in `folder`.
     static QString outputPath(const QString& folder, const QString& nickname);
-    // The pixels of `image` as the encoder reads them.
-    static cImage toImage(const QImage& image);
 
   signals:
     void captured(const QString& path);

@@ -43,9 +43,9 @@ void cJpeg::SampleHDC(const cImage& source, int width, int height, int x, int y)
         height > source.Height() - y) {
         throw std::out_of_range("SampleHDC: rectangle outside the picture");
     }
-    jpeg::ImageRows rows(source.ScanLine(y) + 3 * static_cast<std::size_t>(x),
-                         static_cast<std::ptrdiff_t>(source.BytesPerScanLine()), width, height,
-                         jpeg::PixelLayout::kRgb24);
+    jpeg::ImageRows rows(
+        source.ScanLine(y) + static_cast<std::size_t>(x) * jpeg::BytesPerPixel(source.Layout()),
+        source.Stride(), width, height, source.Layout());
     Sample(rows);
 }
 

@@ -13,9 +13,11 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QWidget>
+#include <algorithm>
 #include <vector>
 
 #include "connection/Wait.h"
+#include "media/BmpFile.h"
 #include "media/ScreenCapture.h"
 #include "media/cJpeg.h"
 #include "media/support/JpegInspector.h"
@@ -97,9 +99,23 @@ TEST_F(ScreenCaptureTest, TheAreaBecomesAQuality65JpegNamedAfterTheNickname) {
     EXPECT_NEAR(got.red(), want.red(), 24);
     EXPECT_NEAR(got.green(), want.green(), 24);
     EXPECT_NEAR(got.blue(), want.blue(), 24);
+    // Byte for byte what the encoder makes of the area's pixels given as R, G, B.
+    const QImage area = screen.copy(17, 33, 301, 155).convertToFormat(QImage::Format_RGB888);
+    cImage rgb(301, 155);
+    for (int y = 0; y < 155; ++y) {
+        std::copy_n(area.constScanLine(y), 3 * 301, rgb.ScanLine(y));
+    }
+    reference.SampleHDC(rgb, 301, 155);
+    EXPECT_EQ(bytesOf(path), reference.Encode());
     // The temporary bitmap is gone.
     EXPECT_TRUE(QDir(root.path()).entryList({QStringLiteral("*.bmp")}, QDir::Files).isEmpty());
     EXPECT_TRUE(prompter.asked.empty());
+
+    // The bitmap as the steps write it is one any program reads: here, Qt.
+    const QString bitmap = root.filePath(QStringLiteral("check.bmp"));
+    BmpFile::WriteBgrx(bitmap.toStdString(), screen.constScanLine(33) + 4 * 17,
+                       screen.bytesPerLine(), 301, 155);
+    EXPECT_EQ(QImage(bitmap).convertToFormat(QImage::Format_RGB888), area);
 }
 
 // A later capture never overwrites an earlier one: the number counts up to the first free name.
