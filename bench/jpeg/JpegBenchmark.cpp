@@ -7,6 +7,8 @@
 // threads together) is also shown, since on a busy machine it says more about the work done.
 //
 //   tavren-jpeg-bench [--rounds N] [--size WxH]...
+//   tavren-jpeg-bench --write-ppm FILE   (the 1920x1080 picture, for whole-process timings of
+//                                         tavren-jpeg and cjpeg)
 
 #include <algorithm>
 #include <chrono>
@@ -20,6 +22,7 @@
 
 #include "LibjpegTurboPeer.h"
 #include "ScreenImage.h"
+#include "media/PpmFile.h"
 #include "media/cJpeg.h"
 
 namespace {
@@ -155,8 +158,13 @@ int main(int argc, char** argv) {
                 return 2;
             }
             sizes.emplace_back(width, height);
+        } else if (std::strcmp(argv[i], "--write-ppm") == 0 && i + 1 < argc) {
+            tavren::PpmFile::Write(argv[++i], tavren::bench::MakeScreenImage(1920, 1080));
+            return 0;
         } else {
-            std::fprintf(stderr, "usage: tavren-jpeg-bench [--rounds N] [--size WxH]...\n");
+            std::fprintf(stderr,
+                         "usage: tavren-jpeg-bench [--rounds N] [--size WxH]... | --write-ppm "
+                         "FILE\n");
             return 2;
         }
     }
