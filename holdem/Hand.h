@@ -9,14 +9,19 @@ namespace tavren::holdem {
 
 // A set of cards packed so that adding a card is two additions and the evaluator needs no loop:
 //
-//   key bits  0..15  sum of the rank keys of the ranks two..seven
-//   key bits 16..31  sum of the rank keys of the ranks eight..ace
-//   key bits 32..47  one four-bit counter per suit (spades lowest)
+//   key bits  0..15  sum of the rank keys of the ranks eight..ace
+//   key bits 18..31  sum of the rank keys of the ranks two..seven
+//   key bits 32..63  one byte per suit (spades lowest), 7 for each card of the suit
 //   suitRanks        one 16-bit lane per suit, bit r set when that suit holds rank r (0 = two)
 //
 // The rank keys are chosen so that no two different rank patterns of up to seven cards share a
-// sum within either half, so the two sums name the pattern exactly. Distinct cards never share a
-// suitRanks bit, which makes addition the same as union: hole cards plus board is one addition.
+// sum within either half, so the two sums name the pattern exactly. Where they lie lets the
+// evaluator take each out of the key's low 32 bits with one instruction and no mask: the
+// 16-bit sum is that word's low half, the 14-bit one what a shift by 18 leaves. A suit byte holds 7
+// x the suit's cards: 28 for four cards, 35 to 49 for five to seven, so its bit 5 is set exactly
+// when the suit makes a flush and one test of four bits finds any, with nothing to add first and
+// nothing to carry into the next byte. Distinct cards never share a suitRanks bit, which makes
+// addition the same as union: hole cards plus board is one addition.
 // Only sets of at most seven distinct cards are meaningful; validate untrusted input first.
 struct Hand {
     std::uint64_t key = 0;
@@ -34,8 +39,13 @@ struct Hand {
 namespace hand_layout {
 
 inline constexpr int kLowRanks = 6;  // two .. seven live in the low half
-inline constexpr int kHighHalfShift = 16;
-inline constexpr int kSuitCounterShift = 32;
+inline constexpr int kLowHalfShift = 18;
+inline constexpr int kSuitCountShift = 32;
+inline constexpr int kSuitCountBits = 8;
+inline constexpr std::uint64_t kSuitCountStep = 7;
+// Bit 5 of each suit byte: 32 <= 7 x cards < 64 means five to seven cards of that suit.
+inline constexpr std::uint64_t kFlushBits = std::uint64_t{0x20202020} << kSuitCountShift;
+inline constexpr int kFirstFlushBit = kSuitCountShift + 5;
 // Every low-half sum of up to seven cards fits in 14 bits, every high-half sum in 16.
 inline constexpr std::uint64_t kLowHalfMask = 0x3FFF;
 inline constexpr std::uint64_t kHighHalfMask = 0xFFFF;
@@ -48,9 +58,8 @@ inline constexpr std::array<std::uint32_t, 7> kRankKeys = {1, 5, 24, 112, 521, 2
 
 constexpr std::uint64_t RankKey(int rankIndex) {
     return rankIndex < kLowRanks
-               ? kRankKeys[static_cast<std::size_t>(rankIndex)]
-               : std::uint64_t{kRankKeys[static_cast<std::size_t>(rankIndex - kLowRanks)]}
-                     << kHighHalfShift;
+               ? std::uint64_t{kRankKeys[static_cast<std::size_t>(rankIndex)]} << kLowHalfShift
+               : kRankKeys[static_cast<std::size_t>(rankIndex - kLowRanks)];
 }
 
 constexpr Hand HandOfCard(int card) {
@@ -59,7 +68,7 @@ constexpr Hand HandOfCard(int card) {
     }
     const int suit = SuitIndexOfCard(card);
     const int rankIndex = HighRankOfCard(card) - 2;
-    return {RankKey(rankIndex) + (std::uint64_t{1} << (kSuitCounterShift + 4 * suit)),
+    return {RankKey(rankIndex) + (kSuitCountStep << (kSuitCountShift + kSuitCountBits * suit)),
             std::uint64_t{1} << (kSuitLaneBits * suit + rankIndex)};
 }
 

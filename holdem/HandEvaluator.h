@@ -57,26 +57,23 @@ class HandEvaluator {
     static std::size_t tableBytes();
 
   private:
-    // Each suit counter starts at 3, so it reaches bit 3 of its nibble exactly at five cards.
-    static constexpr std::uint64_t kFlushBias = std::uint64_t{0x3333}
-                                                << hand_layout::kSuitCounterShift;
-    static constexpr std::uint64_t kFlushBits = std::uint64_t{0x8888}
-                                                << hand_layout::kSuitCounterShift;
-
-    static bool hasFlush(std::uint64_t key) { return ((key + kFlushBias) & kFlushBits) != 0; }
+    static bool hasFlush(std::uint64_t key) { return (key & hand_layout::kFlushBits) != 0; }
 
     HandValue rankPatternValue(std::uint64_t key) const {
-        const std::uint64_t low = key & hand_layout::kLowHalfMask;
-        const std::uint64_t high =
-            (key >> hand_layout::kHighHalfShift) & hand_layout::kHighHalfMask;
+        // The two rank sums fill the key's low 32 bits: each comes out in range, even from a
+        // broken Hand, without a mask.
+        const auto sums = static_cast<std::uint32_t>(key);
+        const std::uint32_t low = sums >> hand_layout::kLowHalfShift;
+        const std::uint32_t high = sums & hand_layout::kHighHalfMask;
         return HandValue(values_[lowRowStart_[low] + highColumn_[high]]);
     }
 
     HandValue flushValue(std::uint64_t key, std::uint64_t suitRanks) const {
-        // The flag of suit s is bit 35 + 4s; that suit's rank lane starts at bit 16s.
-        const unsigned flagBit =
-            static_cast<unsigned>(std::countr_zero((key + kFlushBias) & kFlushBits));
-        const unsigned laneShift = (flagBit - (hand_layout::kSuitCounterShift + 3)) * 4;
+        // The flag of suit s is bit 37 + 8s; that suit's rank lane starts at bit 16s. (Taken
+        // from a shifted key, so that the test above stays a plain test.)
+        const auto flagAt = static_cast<unsigned>(
+            std::countr_zero((key >> hand_layout::kFirstFlushBit) & 0x01010101));
+        const unsigned laneShift = flagAt * 2;
         return HandValue(flush_[(suitRanks >> laneShift) & 0x1FFF]);
     }
 
