@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
+#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -17,11 +19,12 @@ constexpr int kHighRanks = kRanks - kLowRanks;
 constexpr int kMaxCards = 7;
 constexpr int kMaxOfOneRank = 4;
 
-// Index ranges are masked rather than trusted, so even a Hand that breaks the evaluator's
+// Index ranges cover every value an index can take, so even a Hand that breaks the evaluator's
 // precondition reads inside the tables.
-constexpr std::size_t kLowKeys = hand_layout::kLowHalfMask + 1;
-constexpr std::size_t kHighKeys = hand_layout::kHighHalfMask + 1;
-constexpr std::size_t kFlushMasks = std::size_t{1} << 13;
+using Tables = HandEvaluator::Tables;
+constexpr std::size_t kLowKeys = Tables::kLowKeys;
+constexpr std::size_t kHighKeys = Tables::kHighKeys;
+constexpr std::size_t kFlushMasks = Tables::kFlushMasks;
 
 // One half's rank pattern: its card counts and its rank-key sum.
 struct HalfPattern {
@@ -57,94 +60,88 @@ std::vector<HalfPattern> PatternsOver(int ranks) {
     return patterns;
 }
 
+void ClaimKey(std::vector<bool>& taken, std::uint32_t key) {
+    if (key >= taken.size() || taken[key]) {
+        throw std::logic_error("hand evaluator: rank keys do not separate the rank patterns");
+    }
+    taken[key] = true;
+}
+
 // The evaluator's tables. The dense table is laid out in rows, one per low-half pattern L; a row
 // holds the high-half patterns H with |L| + |H| <= 7. Numbering the high patterns by card count
 // (all empty, then all single cards, ...) makes those exactly the first columns, so a row is
 // as long as it must be and every pattern of up to seven cards has exactly one cell.
-struct Tables {
-    std::vector<std::uint32_t> values;
-    std::vector<std::uint32_t> lowRowStart = std::vector<std::uint32_t>(kLowKeys, 0);
-    std::vector<std::uint16_t> highColumn = std::vector<std::uint16_t>(kHighKeys, 0);
-    std::vector<std::uint32_t> flush = std::vector<std::uint32_t>(kFlushMasks, 0);
+void BuildTables(Tables& tables) {
+    const std::vector<HalfPattern> lows = PatternsOver(kLowRanks);
+    std::vector<HalfPattern> highs = PatternsOver(kHighRanks);
+    std::stable_sort(highs.begin(), highs.end(),
+                     [](const HalfPattern& a, const HalfPattern& b) { return a.cards < b.cards; });
+    std::fill(std::begin(tables.lowRowStart), std::end(tables.lowRowStart), 0);
+    std::fill(std::begin(tables.highColumn), std::end(tables.highColumn), 0);
+    std::fill(std::begin(tables.flush), std::end(tables.flush), 0);
+    std::fill(std::begin(tables.values), std::end(tables.values), 0);
 
-    Tables() {
-        const std::vector<HalfPattern> lows = PatternsOver(kLowRanks);
-        std::vector<HalfPattern> highs = PatternsOver(kHighRanks);
-        std::stable_sort(
-            highs.begin(), highs.end(),
-            [](const HalfPattern& a, const HalfPattern& b) { return a.cards < b.cards; });
-
-        // columnsUpTo[n] = number of high patterns with at most n cards.
-        std::vector<std::uint32_t> columnsUpTo(kMaxCards + 1, 0);
-        std::vector<bool> highTaken(kHighKeys, false);
-        for (std::size_t column = 0; column < highs.size(); ++column) {
-            const HalfPattern& high = highs[column];
-            claimKey(highTaken, high.key);
-            highColumn[high.key] = static_cast<std::uint16_t>(column);
-            for (int n = high.cards; n <= kMaxCards; ++n) {
-                ++columnsUpTo[static_cast<std::size_t>(n)];
-            }
-        }
-
-        std::vector<bool> lowTaken(kLowKeys, false);
-        std::uint32_t rowStart = 0;
-        for (const HalfPattern& low : lows) {
-            claimKey(lowTaken, low.key);
-            lowRowStart[low.key] = rowStart;
-            rowStart += columnsUpTo[static_cast<std::size_t>(kMaxCards - low.cards)];
-        }
-        // Room for the largest row start plus the largest column, for out-of-contract keys.
-        values.assign(rowStart + highs.size(), 0);
-
-        RankCounts counts{};
-        for (const HalfPattern& low : lows) {
-            for (const HalfPattern& high : highs) {
-                if (low.cards + high.cards > kMaxCards) {
-                    break;  // sorted by card count: the rest of the row is longer still
-                }
-                for (int rank = 0; rank < kRanks; ++rank) {
-                    const std::size_t at = static_cast<std::size_t>(rank);
-                    counts[at] = rank < kLowRanks ? low.counts[at] : high.counts[at - kLowRanks];
-                }
-                values[lowRowStart[low.key] + highColumn[high.key]] = ValueOfRanks(counts).bits();
-            }
-        }
-
-        for (std::uint32_t mask = 0; mask < kFlushMasks; ++mask) {
-            if (std::popcount(mask) >= 5) {
-                flush[mask] = ValueOfFlush(mask).bits();
-            }
+    // columnsUpTo[n] = number of high patterns with at most n cards.
+    std::vector<std::uint32_t> columnsUpTo(kMaxCards + 1, 0);
+    std::vector<bool> highTaken(kHighKeys, false);
+    for (std::size_t column = 0; column < highs.size(); ++column) {
+        const HalfPattern& high = highs[column];
+        ClaimKey(highTaken, high.key);
+        tables.highColumn[high.key] = static_cast<std::uint16_t>(column);
+        for (int n = high.cards; n <= kMaxCards; ++n) {
+            ++columnsUpTo[static_cast<std::size_t>(n)];
         }
     }
 
-    static void claimKey(std::vector<bool>& taken, std::uint32_t key) {
-        if (key >= taken.size() || taken[key]) {
-            throw std::logic_error("hand evaluator: rank keys do not separate the rank patterns");
-        }
-        taken[key] = true;
+    std::vector<bool> lowTaken(kLowKeys, false);
+    std::uint32_t rowStart = 0;
+    for (const HalfPattern& low : lows) {
+        ClaimKey(lowTaken, low.key);
+        tables.lowRowStart[low.key] = rowStart;
+        rowStart += columnsUpTo[static_cast<std::size_t>(kMaxCards - low.cards)];
+    }
+    // Room for the largest row start plus the largest column, for out-of-contract keys.
+    if (rowStart + highs.size() != Tables::kValueCells) {
+        throw std::logic_error("hand evaluator: the value table is not the size it was built for");
     }
 
-    std::size_t bytes() const {
-        return values.size() * sizeof(values[0]) + lowRowStart.size() * sizeof(lowRowStart[0]) +
-               highColumn.size() * sizeof(highColumn[0]) + flush.size() * sizeof(flush[0]);
+    RankCounts counts{};
+    for (const HalfPattern& low : lows) {
+        for (const HalfPattern& high : highs) {
+            if (low.cards + high.cards > kMaxCards) {
+                break;  // sorted by card count: the rest of the row is longer still
+            }
+            for (int rank = 0; rank < kRanks; ++rank) {
+                const std::size_t at = static_cast<std::size_t>(rank);
+                counts[at] = rank < kLowRanks ? low.counts[at] : high.counts[at - kLowRanks];
+            }
+            tables.values[tables.lowRowStart[low.key] + tables.highColumn[high.key]] =
+                ValueOfRanks(counts).bits();
+        }
     }
-};
+
+    for (std::uint32_t mask = 0; mask < kFlushMasks; ++mask) {
+        if (std::popcount(mask) >= 5) {
+            tables.flush[mask] = ValueOfFlush(mask).bits();
+        }
+    }
+}
 
 const Tables& SharedTables() {
-    static const Tables tables;
-    return tables;
+    static const std::unique_ptr<Tables> tables = [] {
+        auto made = std::make_unique<Tables>();
+        BuildTables(*made);
+        return made;
+    }();
+    return *tables;
 }
 
 }  // namespace
 
-HandEvaluator::HandEvaluator()
-    : values_(SharedTables().values.data()),
-      lowRowStart_(SharedTables().lowRowStart.data()),
-      highColumn_(SharedTables().highColumn.data()),
-      flush_(SharedTables().flush.data()) {}
+HandEvaluator::HandEvaluator() : tables_(&SharedTables()) {}
 
 std::size_t HandEvaluator::tableBytes() {
-    return SharedTables().bytes();
+    return sizeof(Tables);
 }
 
 }  // namespace tavren::holdem

@@ -17,9 +17,25 @@ namespace tavren::holdem {
 // Either way one evaluation is a handful of additions and at most three loads, no loop, no sort.
 //
 // The tables are built once per process on the first construction (a few milliseconds) and
-// shared by all evaluators; an evaluator itself is four pointers and cheap to copy.
+// shared by all evaluators; an evaluator itself is one pointer and cheap to copy.
 class HandEvaluator {
   public:
+    // All the tables in one block at fixed offsets, so that an evaluation addresses every one of
+    // them from a single register: a loop over many hands keeps its registers for the cards.
+    struct Tables {
+        static constexpr std::size_t kLowKeys = hand_layout::kLowHalfMask + 1;
+        static constexpr std::size_t kHighKeys = hand_layout::kHighHalfMask + 1;
+        static constexpr std::size_t kFlushMasks = std::size_t{1} << 13;
+        // Every rank pattern of up to seven cards has its cell, plus room for the largest row
+        // start and column of out-of-contract keys; the builder checks the count.
+        static constexpr std::size_t kValueCells = 79335;
+
+        std::uint32_t lowRowStart[kLowKeys];
+        std::uint16_t highColumn[kHighKeys];
+        std::uint32_t flush[kFlushMasks];
+        std::uint32_t values[kValueCells];
+    };
+
     HandEvaluator();
 
     // Value of the best hand the cards make (any 0..7 distinct cards). Precondition: a Hand made
@@ -65,7 +81,7 @@ class HandEvaluator {
         const auto sums = static_cast<std::uint32_t>(key);
         const std::uint32_t low = sums >> hand_layout::kLowHalfShift;
         const std::uint32_t high = sums & hand_layout::kHighHalfMask;
-        return HandValue(values_[lowRowStart_[low] + highColumn_[high]]);
+        return HandValue(tables_->values[tables_->lowRowStart[low] + tables_->highColumn[high]]);
     }
 
     HandValue flushValue(std::uint64_t key, std::uint64_t suitRanks) const {
@@ -74,7 +90,7 @@ class HandEvaluator {
         const auto flagAt = static_cast<unsigned>(
             std::countr_zero((key >> hand_layout::kFirstFlushBit) & 0x01010101));
         const unsigned laneShift = flagAt * 2;
-        return HandValue(flush_[(suitRanks >> laneShift) & 0x1FFF]);
+        return HandValue(tables_->flush[(suitRanks >> laneShift) & 0x1FFF]);
     }
 
     template <typename CardNumber, std::size_t Extent, std::size_t... Index>
@@ -84,10 +100,7 @@ class HandEvaluator {
         return (std::uint64_t{0} + ... + table[static_cast<std::size_t>(cards[Index])]);
     }
 
-    const std::uint32_t* values_;
-    const std::uint32_t* lowRowStart_;
-    const std::uint16_t* highColumn_;
-    const std::uint32_t* flush_;
+    const Tables* tables_;
 };
 
 }  // namespace tavren::holdem
