@@ -12,7 +12,7 @@ namespace tavren::holdem {
 //   key bits  0..15  sum of the rank keys of the ranks eight..ace
 //   key bits 18..31  sum of the rank keys of the ranks two..seven
 //   key bits 32..63  one byte per suit (spades lowest), 7 for each card of the suit
-//   suitRanks        one 16-bit lane per suit, bit r set when that suit holds rank r (0 = two)
+//   cards            bit n - 1 set for card number n: a 13-bit lane per suit, ace first
 //
 // The rank keys are chosen so that no two different rank patterns of up to seven cards share a
 // sum within either half, so the two sums name the pattern exactly. Where they lie lets the
@@ -20,16 +20,19 @@ namespace tavren::holdem {
 // 16-bit sum is that word's low half, the 14-bit one what a shift by 18 leaves. A suit byte holds 7
 // x the suit's cards: 28 for four cards, 35 to 49 for five to seven, so its bit 5 is set exactly
 // when the suit makes a flush and one test of four bits finds any, with nothing to add first and
-// nothing to carry into the next byte. Distinct cards never share a suitRanks bit, which makes
-// addition the same as union: hole cards plus board is one addition.
+// nothing to carry into the next byte. A card's bit is a shift of its number rather than a
+// table entry: only a flush needs it, and a shift the compiler can leave to that rare path (or
+// fold into a loop over cards) costs nothing, where a load would be made for every card.
+// Distinct cards never share a bit, which makes addition the same as union: hole cards plus
+// board is one addition.
 // Only sets of at most seven distinct cards are meaningful; validate untrusted input first.
 struct Hand {
     std::uint64_t key = 0;
-    std::uint64_t suitRanks = 0;
+    std::uint64_t cards = 0;
 
     constexpr Hand& operator+=(const Hand& other) {
         key += other.key;
-        suitRanks += other.suitRanks;
+        cards += other.cards;
         return *this;
     }
     friend constexpr Hand operator+(Hand left, const Hand& right) { return left += right; }
@@ -49,7 +52,6 @@ inline constexpr int kFirstFlushBit = kSuitCountShift + 5;
 // Every low-half sum of up to seven cards fits in 14 bits, every high-half sum in 16.
 inline constexpr std::uint64_t kLowHalfMask = 0x3FFF;
 inline constexpr std::uint64_t kHighHalfMask = 0xFFFF;
-inline constexpr int kSuitLaneBits = 16;
 
 // Rank keys for either half: each is the smallest number above the one before that keeps the sums
 // of every pattern of up to seven cards, at most four of a rank, all different. The evaluator
@@ -69,7 +71,7 @@ constexpr Hand HandOfCard(int card) {
     const int suit = SuitIndexOfCard(card);
     const int rankIndex = HighRankOfCard(card) - 2;
     return {RankKey(rankIndex) + (kSuitCountStep << (kSuitCountShift + kSuitCountBits * suit)),
-            std::uint64_t{1} << (kSuitLaneBits * suit + rankIndex)};
+            std::uint64_t{1} << (card - 1)};
 }
 
 template <typename Field>
@@ -87,15 +89,15 @@ constexpr std::array<std::uint64_t, kLastCard + 1> MakeCardTable(Field field) {
 // nothing. Kept as two arrays of eight-byte words so that a card lookup is a single scaled load.
 inline constexpr std::array<std::uint64_t, kLastCard + 1> kCardKeys =
     hand_layout::MakeCardTable([](const Hand& hand) { return hand.key; });
-inline constexpr std::array<std::uint64_t, kLastCard + 1> kCardSuitRanks =
-    hand_layout::MakeCardTable([](const Hand& hand) { return hand.suitRanks; });
+inline constexpr std::array<std::uint64_t, kLastCard + 1> kCardBits =
+    hand_layout::MakeCardTable([](const Hand& hand) { return hand.cards; });
 
 constexpr Hand HandOf(int card) {
     if (!IsCardNumber(card)) {
         return {};
     }
     const std::size_t at = static_cast<std::size_t>(card);
-    return {kCardKeys[at], kCardSuitRanks[at]};
+    return {kCardKeys[at], std::uint64_t{1} << (card - 1)};
 }
 
 }  // namespace tavren::holdem

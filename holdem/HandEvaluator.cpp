@@ -120,9 +120,11 @@ void BuildTables(Tables& tables) {
         }
     }
 
-    for (std::uint32_t mask = 0; mask < kFlushMasks; ++mask) {
-        if (std::popcount(mask) >= 5) {
-            tables.flush[mask] = ValueOfFlush(mask).bits();
+    // Indexed by one suit's 13 cards, ace first; ValueOfFlush takes them two first, ace last.
+    for (std::uint32_t lane = 0; lane < kFlushMasks; ++lane) {
+        if (std::popcount(lane) >= 5) {
+            const std::uint32_t ranks = (lane >> 1) | ((lane & 1) << (kRanks - 1));
+            tables.flush[lane] = ValueOfFlush(ranks).bits();
         }
     }
 }

@@ -42,7 +42,7 @@ class HandEvaluator {
     // of at most seven distinct cards; anything else gives a meaningless but safe value.
     HandValue evaluate(const Hand& hand) const {
         if (hasFlush(hand.key)) [[unlikely]] {
-            return flushValue(hand.key, hand.suitRanks);
+            return flushValue(hand.key, hand.cards);
         }
         return rankPatternValue(hand.key);
     }
@@ -56,8 +56,7 @@ class HandEvaluator {
             // flight at once. The suit lanes are summed only when a flush needs them.
             const std::uint64_t key = sumOf(kCardKeys, cards, std::make_index_sequence<Extent>{});
             if (hasFlush(key)) [[unlikely]] {
-                return flushValue(key,
-                                  sumOf(kCardSuitRanks, cards, std::make_index_sequence<Extent>{}));
+                return flushValue(key, sumOf(kCardBits, cards, std::make_index_sequence<Extent>{}));
             }
             return rankPatternValue(key);
         } else {
@@ -84,13 +83,13 @@ class HandEvaluator {
         return HandValue(tables_->values[tables_->lowRowStart[low] + tables_->highColumn[high]]);
     }
 
-    HandValue flushValue(std::uint64_t key, std::uint64_t suitRanks) const {
-        // The flag of suit s is bit 37 + 8s; that suit's rank lane starts at bit 16s. (Taken
-        // from a shifted key, so that the test above stays a plain test.)
+    HandValue flushValue(std::uint64_t key, std::uint64_t cards) const {
+        // The flag of suit s is bit 37 + 8s; that suit's cards are bits 13s on. (Taken from a
+        // shifted key, so that the test above stays a plain test.)
         const auto flagAt = static_cast<unsigned>(
             std::countr_zero((key >> hand_layout::kFirstFlushBit) & 0x01010101));
-        const unsigned laneShift = flagAt * 2;
-        return HandValue(tables_->flush[(suitRanks >> laneShift) & 0x1FFF]);
+        const unsigned laneShift = (flagAt >> 3) * kCardsPerSuit;
+        return HandValue(tables_->flush[(cards >> laneShift) & 0x1FFF]);
     }
 
     template <typename CardNumber, std::size_t Extent, std::size_t... Index>
