@@ -1,6 +1,7 @@
 #include "core/ServerLink.h"
 
 #include "core/FloodMeters.h"
+#include "core/TlsProtocolName.h"
 #include "core/WireText.h"
 #include "core/protocol/Catalogue.h"
 
@@ -59,17 +60,7 @@ void ServerLink::onEncrypted() {
 }
 
 QString ServerLink::protocolName() const {
-    if (!socket_.isEncrypted()) {
-        return QString();
-    }
-    switch (socket_.sessionProtocol()) {
-        case QSsl::TlsV1_3:
-            return QStringLiteral("TLS 1.3");
-        case QSsl::TlsV1_2:
-            return QStringLiteral("TLS 1.2");
-        default:
-            return QStringLiteral("TLS");
-    }
+    return TlsProtocolName::of(socket_);
 }
 
 ServerLink::~ServerLink() {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "core/Prompter.h"
+#include "core/TlsProtocolName.h"
 #include "core/WireText.h"
 #include "core/protocol/TransferFrame.h"
 #include "pm/FileReceiver.h"
@@ -261,17 +262,7 @@ bool DirectLink::encrypting() const {
 }
 
 QString DirectLink::encryption() const {
-    if (socket_ == nullptr || !socket_->isEncrypted()) {
-        return {};
-    }
-    switch (socket_->sessionProtocol()) {
-        case QSsl::TlsV1_3:
-            return QStringLiteral("TLS 1.3");
-        case QSsl::TlsV1_2:
-            return QStringLiteral("TLS 1.2");
-        default:
-            return QStringLiteral("TLS");
-    }
+    return socket_ != nullptr ? TlsProtocolName::of(*socket_) : QString();
 }
 
 QString DirectLink::encryptionLine() const {
