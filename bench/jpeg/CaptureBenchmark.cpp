@@ -18,16 +18,17 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QEventLoop>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -73,23 +74,38 @@ QImage GrabbedScreen(int width, int height) {
     return screen;
 }
 
-// Runs the capture's steps on the whole screen; the file's size, 0 when they failed.
-qint64 CaptureWithTavren(tavren::ScreenCapture& capture, const QImage& screen,
-                         const QString& folder) {
-    QEventLoop loop;
-    QString path;
-    QObject::connect(&capture, &tavren::ScreenCapture::captured, &loop, [&](const QString& p) {
-        path = p;
-        loop.quit();
-    });
-    QObject::connect(&capture, &tavren::ScreenCapture::failed, &loop, &QEventLoop::quit);
-    capture.start(screen, screen.rect(), QStringLiteral("bench"));
-    loop.exec();
-    capture.disconnect(&loop);
-    const qint64 size = path.isEmpty() ? 0 : QFile(path).size();
-    QDir(folder).remove(QStringLiteral("downloaded/bench_ss0.jpg"));
-    return size;
-}
+// A contender's run: it hands the file's size (0 when it failed) to `done`, at once or, for the
+// capture, once its steps have run in the event loop.
+using Done = std::function<void(qint64)>;
+
+// The capture's steps on the whole screen, as the client runs them: one step per turn of the
+// application's own event loop, the result told by its signals.
+class TavrenCapture {
+  public:
+    TavrenCapture(const QString& folder, tavren::Prompter& prompter)
+        : folder_(folder), capture_(folder, prompter) {
+        QObject::connect(&capture_, &tavren::ScreenCapture::captured, &capture_,
+                         [this](const QString& path) { finish(QFile(path).size()); });
+        QObject::connect(&capture_, &tavren::ScreenCapture::failed, &capture_,
+                         [this] { finish(0); });
+    }
+
+    void run(const QImage& screen, Done done) {
+        done_ = std::move(done);
+        capture_.start(screen, screen.rect(), QStringLiteral("bench"));
+    }
+
+  private:
+    void finish(qint64 size) {
+        QDir(folder_).remove(QStringLiteral("downloaded/bench_ss0.jpg"));
+        Done done = std::move(done_);
+        done(size);
+    }
+
+    QString folder_;
+    tavren::ScreenCapture capture_;
+    Done done_;
+};
 
 qint64 FileSize(const std::string& path) {
     const qint64 size = QFile(QString::fromStdString(path)).size();
@@ -151,10 +167,10 @@ qint64 CaptureWithTurboJpeg(const QImage& screen, const std::string& path) {
 }
 
 struct Contender {
-    Contender(std::string n, std::function<qint64()> r) : name(std::move(n)), run(std::move(r)) {}
+    Contender(std::string n, std::function<void(Done)> r) : name(std::move(n)), run(std::move(r)) {}
 
     std::string name;
-    std::function<qint64()> run;
+    std::function<void(Done)> run;
     std::vector<double> milliseconds;
     qint64 bytes = 0;
 
@@ -166,50 +182,89 @@ struct Contender {
     }
 };
 
-void Measure(int width, int height, int rounds) {
-    const QImage screen = GrabbedScreen(width, height);
-    QTemporaryDir folder;
-    QDir(folder.path()).mkpath(QStringLiteral("downloaded"));
-    SilentPrompter prompter;
-    tavren::ScreenCapture capture(folder.path(), prompter);
-    const std::string peerFile = folder.filePath(QStringLiteral("peer.jpg")).toStdString();
-    std::vector<Contender> contenders;
-    contenders.emplace_back("tavren ScreenCapture",
-                            [&] { return CaptureWithTavren(capture, screen, folder.path()); });
-    contenders.emplace_back("libjpeg-turbo jpeg_* (float, opt.)",
-                            [&] { return CaptureWithLibjpeg(screen, peerFile); });
-    contenders.emplace_back("tjCompress2 (defaults)",
-                            [&] { return CaptureWithTurboJpeg(screen, peerFile); });
-    // One untimed round first: page in the code and the pixels.
-    for (Contender& c : contenders) {
-        c.run();
+// One picture size: the contenders in turn, round after round (an untimed round first, to page
+// in the code and the pixels), each run started from the event loop once the one before it has
+// finished; then the report, and `finished`.
+class Measurement {
+  public:
+    Measurement(int width, int height, int rounds, std::function<void()> finished)
+        : width_(width),
+          height_(height),
+          rounds_(rounds),
+          finished_(std::move(finished)),
+          screen_(GrabbedScreen(width, height)),
+          capture_(folder_.path(), prompter_),
+          peerFile_(folder_.filePath(QStringLiteral("peer.jpg")).toStdString()) {
+        QDir(folder_.path()).mkpath(QStringLiteral("downloaded"));
+        contenders_.emplace_back("tavren ScreenCapture",
+                                 [this](Done done) { capture_.run(screen_, std::move(done)); });
+        contenders_.emplace_back("libjpeg-turbo jpeg_* (float, opt.)", [this](Done done) {
+            done(CaptureWithLibjpeg(screen_, peerFile_));
+        });
+        contenders_.emplace_back("tjCompress2 (defaults)", [this](Done done) {
+            done(CaptureWithTurboJpeg(screen_, peerFile_));
+        });
     }
-    for (int round = 0; round < rounds; ++round) {
-        for (Contender& c : contenders) {
-            const auto start = Clock::now();
-            c.bytes = c.run();
-            c.milliseconds.push_back(
-                std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+
+    void start() { runNext(); }
+
+  private:
+    void runNext() {
+        if (round_ > rounds_) {
+            report();
+            finished_();
+            return;
+        }
+        Contender& contender = contenders_[index_];
+        const auto start = Clock::now();
+        contender.run([this, &contender, start](qint64 bytes) {
+            const double elapsed =
+                std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+            if (round_ > 0) {
+                contender.bytes = bytes;
+                contender.milliseconds.push_back(elapsed);
+            }
+            if (++index_ == contenders_.size()) {
+                index_ = 0;
+                ++round_;
+            }
+            QTimer::singleShot(0, [this] { runNext(); });
+        });
+    }
+
+    void report() const {
+        std::printf(
+            "\n%dx%d grabbed screen (RGB32) to a JPEG file on disk, quality %d, 4:2:0, %d rounds\n",
+            width_, height_, kQuality, rounds_);
+        std::printf("  %-36s %10s %10s %10s\n", "path", "fastest", "median", "bytes");
+        for (const Contender& c : contenders_) {
+            std::printf("  %-36s %8.2fms %8.2fms %10lld\n", c.name.c_str(), c.Fastest(), c.Median(),
+                        static_cast<long long>(c.bytes));
+        }
+        const Contender& ours = contenders_[0];
+        const Contender& peer = contenders_[1];
+        std::printf(
+            "  ratio ours / jpeg_* (float, opt.): time %.3f (median), %.3f (fastest); size %.4f\n",
+            ours.Median() / peer.Median(), ours.Fastest() / peer.Fastest(),
+            static_cast<double>(ours.bytes) / static_cast<double>(peer.bytes));
+        if (ours.bytes == 0 || peer.bytes == 0) {
+            std::printf("  WARNING: a contender wrote no file\n");
         }
     }
-    std::printf(
-        "\n%dx%d grabbed screen (RGB32) to a JPEG file on disk, quality %d, 4:2:0, %d rounds\n",
-        width, height, kQuality, rounds);
-    std::printf("  %-36s %10s %10s %10s\n", "path", "fastest", "median", "bytes");
-    for (const Contender& c : contenders) {
-        std::printf("  %-36s %8.2fms %8.2fms %10lld\n", c.name.c_str(), c.Fastest(), c.Median(),
-                    static_cast<long long>(c.bytes));
-    }
-    const Contender& ours = contenders[0];
-    const Contender& peer = contenders[1];
-    std::printf(
-        "  ratio ours / jpeg_* (float, opt.): time %.3f (median), %.3f (fastest); size %.4f\n",
-        ours.Median() / peer.Median(), ours.Fastest() / peer.Fastest(),
-        static_cast<double>(ours.bytes) / static_cast<double>(peer.bytes));
-    if (ours.bytes == 0 || peer.bytes == 0) {
-        std::printf("  WARNING: a contender wrote no file\n");
-    }
-}
+
+    int width_;
+    int height_;
+    int rounds_;
+    std::function<void()> finished_;
+    QImage screen_;
+    QTemporaryDir folder_;
+    SilentPrompter prompter_;
+    TavrenCapture capture_;
+    std::string peerFile_;
+    std::vector<Contender> contenders_;
+    std::size_t index_ = 0;
+    int round_ = 0;  // 0: the untimed round
+};
 
 }  // namespace
 
@@ -237,8 +292,20 @@ int main(int argc, char** argv) {
     if (sizes.empty()) {
         sizes = {{1920, 1080}, {3840, 2160}};
     }
-    for (const auto& [width, height] : sizes) {
-        Measure(width, height, rounds);
-    }
-    return 0;
+    // The sizes one after another, all in the one event loop the capture runs in.
+    std::unique_ptr<Measurement> current;
+    std::size_t next = 0;
+    std::function<void()> measureNext = [&] {
+        if (next == sizes.size()) {
+            QCoreApplication::quit();
+            return;
+        }
+        const auto [width, height] = sizes[next++];
+        QTimer::singleShot(0, [&, width, height] {
+            current = std::make_unique<Measurement>(width, height, rounds, measureNext);
+            current->start();
+        });
+    };
+    measureNext();
+    return QCoreApplication::exec();
 }
