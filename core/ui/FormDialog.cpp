@@ -55,7 +55,13 @@ QLineEdit* FormDialog::addField(const QString& label, const QString& objectName,
     }
     form_->addRow(label, field);
     fields_ << field;
+    inputs_ << field;
     return field;
+}
+
+void FormDialog::addRow(const QString& label, QWidget* input) {
+    form_->addRow(label, input);
+    inputs_ << input;
 }
 
 void FormDialog::setNote(const QString& note) {
@@ -77,11 +83,11 @@ void FormDialog::orderTabs() {
     // The buttons are made before the subclass adds its fields, so by creation order they would
     // come first and take the focus.
     QWidget* previous = nullptr;
-    for (QLineEdit* field : fields_) {
+    for (QWidget* input : inputs_) {
         if (previous != nullptr) {
-            setTabOrder(previous, field);
+            setTabOrder(previous, input);
         }
-        previous = field;
+        previous = input;
     }
     QPushButton* cancel = buttons_->button(QDialogButtonBox::Cancel);
     if (previous != nullptr) {

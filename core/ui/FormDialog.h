@@ -21,6 +21,8 @@ class FormDialog : public QDialog {
     Q_OBJECT
   public:
     void showProblem(const QString& problem);
+    // The red line under the form (for tests).
+    QLabel* problem() const { return problem_; }
 
   protected:
     FormDialog(const QString& objectName, const QString& title, QWidget* parent);
@@ -28,6 +30,9 @@ class FormDialog : public QDialog {
     // A line edit in a new row of the form; `secret` hides what is typed.
     QLineEdit* addField(const QString& label, const QString& objectName, bool secret = false,
                         const QString& text = QString());
+    // Any other input in a new row (a number box, a list); it takes its place in the Tab order
+    // but is not one of the fields the typing goes to first.
+    void addRow(const QString& label, QWidget* input);
     // A sentence above the form.
     void setNote(const QString& note);
     QPushButton* okButton() const;
@@ -43,6 +48,7 @@ class FormDialog : public QDialog {
     QLabel* problem_;
     QDialogButtonBox* buttons_;
     QList<QLineEdit*> fields_;
+    QList<QWidget*> inputs_;  // every row's input, top to bottom, the fields among them
 };
 
 }  // namespace tavren

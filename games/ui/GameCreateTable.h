@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QWidget>
+#include "core/ui/FormDialog.h"
 
-class QLabel;
 class QLineEdit;
 class QSpinBox;
 
@@ -12,8 +11,8 @@ class GameSession;
 
 // The table creation form: name (the member's name + "'s Table" to start with), seats, blinds,
 // buy-in and an optional password. The name is checked here as the server checks it, so a
-// refusal says why before anything is sent.
-class GameCreateTable : public QWidget {
+// refusal says why before anything is sent; Create stays in the form until then.
+class GameCreateTable : public FormDialog {
     Q_OBJECT
   public:
     explicit GameCreateTable(GameSession& games, QWidget* parent = nullptr);
@@ -22,9 +21,9 @@ class GameCreateTable : public QWidget {
     void reset();
     // Sends the request; false with the reason shown under the form when it cannot be sent.
     bool submit();
+    void accept() override;
 
     QLineEdit* nameBox() const { return name_; }
-    QLabel* problem() const { return problem_; }
 
   private:
     GameSession& games_;
@@ -34,7 +33,6 @@ class GameCreateTable : public QWidget {
     QSpinBox* bigBlind_ = nullptr;
     QSpinBox* buyIn_ = nullptr;
     QLineEdit* password_ = nullptr;
-    QLabel* problem_ = nullptr;
 };
 
 }  // namespace tavren

@@ -1,44 +1,29 @@
 #include "games/ui/GameInvite.h"
 
 #include <QComboBox>
-#include <QDialogButtonBox>
-#include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 #include "games/GameSession.h"
 
 namespace tavren {
 
-GameInvite::GameInvite(GameSession& games, QWidget* parent) : QWidget(parent), games_(games) {
-    setObjectName(QStringLiteral("GameInvite"));
-    setWindowTitle(QStringLiteral("Invite to Table"));
-    user_ = new QLineEdit(this);
-    user_->setObjectName(QStringLiteral("inviteUser"));
+GameInvite::GameInvite(GameSession& games, QWidget* parent)
+    : FormDialog(QStringLiteral("GameInvite"), QStringLiteral("Invite to Table"), parent),
+      games_(games) {
+    user_ = addField(QStringLiteral("&Member:"), QStringLiteral("inviteUser"));
     user_->setMaxLength(20);
     table_ = new QComboBox(this);
     table_->setObjectName(QStringLiteral("inviteTable"));
-    problem_ = new QLabel(this);
-    problem_->setObjectName(QStringLiteral("problem"));
-    problem_->setStyleSheet(QStringLiteral("color: #B00000;"));
-    auto* form = new QFormLayout;
-    form->addRow(QStringLiteral("&Member:"), user_);
-    form->addRow(QStringLiteral("&Table:"), table_);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
-    buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("&Invite"));
-    buttons->button(QDialogButtonBox::Ok)->setObjectName(QStringLiteral("sendInvite"));
-    auto* layout = new QVBoxLayout(this);
-    layout->addLayout(form);
-    layout->addWidget(problem_);
-    layout->addWidget(buttons);
-    connect(buttons, &QDialogButtonBox::accepted, this, [this] {
-        if (submit()) {
-            close();
-        }
-    });
-    connect(buttons, &QDialogButtonBox::rejected, this, &QWidget::close);
+    addRow(QStringLiteral("&Table:"), table_);
+    okButton()->setText(QStringLiteral("&Invite"));
+    okButton()->setObjectName(QStringLiteral("sendInvite"));
+}
+
+void GameInvite::accept() {
+    if (submit()) {
+        FormDialog::accept();
+    }
 }
 
 void GameInvite::prepare(const QString& user, const QString& table) {
@@ -48,7 +33,7 @@ void GameInvite::prepare(const QString& user, const QString& table) {
     if (!table.isEmpty()) {
         table_->setCurrentText(table);
     }
-    problem_->clear();
+    showProblem(QString());
 }
 
 bool GameInvite::submit() {
@@ -63,7 +48,7 @@ bool GameInvite::submit() {
     } else if (!games_.invite(user, table_->currentText())) {
         why = QStringLiteral("The invitation could not be sent.");
     }
-    problem_->setText(why);
+    showProblem(why);
     return why.isEmpty();
 }
 

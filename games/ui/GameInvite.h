@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QWidget>
+#include "core/ui/FormDialog.h"
 
 class QComboBox;
-class QLabel;
 class QLineEdit;
 
 namespace tavren {
@@ -11,7 +10,7 @@ namespace tavren {
 class GameSession;
 
 // Invites a member to one of the tables the member sits at (7, 9).
-class GameInvite : public QWidget {
+class GameInvite : public FormDialog {
     Q_OBJECT
   public:
     explicit GameInvite(GameSession& games, QWidget* parent = nullptr);
@@ -19,16 +18,15 @@ class GameInvite : public QWidget {
     // Fills in a member and, when given, the table to invite to.
     void prepare(const QString& user, const QString& table = QString());
     bool submit();
+    void accept() override;
 
     QLineEdit* userBox() const { return user_; }
     QComboBox* tableBox() const { return table_; }
-    QLabel* problem() const { return problem_; }
 
   private:
     GameSession& games_;
     QLineEdit* user_ = nullptr;
     QComboBox* table_ = nullptr;
-    QLabel* problem_ = nullptr;
 };
 
 }  // namespace tavren
